@@ -2,6 +2,7 @@
 
 #include "agents/agentgameobject.h"
 #include "support/report_capture.h"
+#include "support/variant_print.h"
 #include "ts/hoststring.h"
 
 namespace {

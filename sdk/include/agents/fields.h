@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <iterator>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -124,7 +126,8 @@ struct List {
 // default (TS_NO_DEFAULT when none is written). A value field gets Get<Name>(out) and
 // Set<Name>(value); a list field gets <Name>Count() and Get<Name>Item(index, node).
 // TS_AGENT_DEFAULTS() writes the base's defaults, then this table's; a record with extra
-// default rules writes its own SetDefaults() around WriteDefaults(Fields()).
+// default rules writes its own SetDefaults() around WriteDefaults(Fields()). A record with no
+// fields of its own passes TS_NO_FIELDS.
 #define TS_FIELD_DECL_ROW(Name, Kind, Flags, Display, Category, SubCategory, Description, Editor, Value) \
     TsFieldDecl{u"" #Name, ::ts::field::Kind::kCode, Flags, Display, Category, SubCategory, Description, \
                 Editor, ::ts::field::Kind::Default(Value)},
@@ -160,14 +163,20 @@ struct List {
         return GetPropertyFromList(atom, index, node);                                         \
     }
 
+// The table ends with an empty row so that a record without fields of its own (a kind that only
+// changes defaults) still has a well-formed table; Fields() leaves that row out.
 #define TS_AGENT_FIELDS(ClassName, BaseName, SourceHeader, FIELDS)                             \
     using Base = BaseName;                                                                     \
     using BaseName::BaseName;                                                                  \
     static constexpr const char* kSourceHeader = SourceHeader;                                 \
-    static constexpr TsFieldDecl kFieldTable[] = {FIELDS(TS_FIELD_DECL_ROW)};                  \
-    static std::span<const TsFieldDecl> Fields() { return kFieldTable; }                       \
+    static constexpr TsFieldDecl kFieldTable[] = {FIELDS(TS_FIELD_DECL_ROW) TsFieldDecl{}};    \
+    static std::span<const TsFieldDecl> Fields() {                                             \
+        return std::span<const TsFieldDecl>(kFieldTable).first(std::size(kFieldTable) - 1);   \
+    }                                                                                          \
     bool BuildProperties() override { return Base::BuildProperties() && DeclareFields(Fields()); } \
     FIELDS(TS_FIELD_ACCESSORS)
+
+#define TS_NO_FIELDS(F)
 
 #define TS_AGENT_DEFAULTS() \
     bool SetDefaults() override { return Base::SetDefaults() && WriteDefaults(Fields()); }
