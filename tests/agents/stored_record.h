@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string_view>
+
+#include "ts/comptr.h"
+#include "ts/property.h"
+
+namespace ts::test {
+
+// Builds property trees by hand, as a loaded resource would hold them, including damaged ones
+// that no agent would write.
+inline CTsComPtr<ITsProperty> NewRecordNode() {
+    CTsComPtr<ITsProperty> node;
+    TsCreateProperty(u"Agent", kTsTypeList, 2, node.Put());
+    return node;
+}
+
+inline CTsComPtr<ITsProperty> AddStoredField(ITsProperty* record, std::u16string_view name, const variant& value) {
+    CTsComPtr<ITsProperty> field;
+    if (FAILED(TsCreateProperty(name, value.type(), 0, field.Put()))) return {};
+    if (!value.empty()) field->SetValue(value);
+    record->InsertChild(kTsAppend, field.Get());
+    return field;
+}
+
+inline CTsComPtr<ITsProperty> AddStoredList(ITsProperty* record, std::u16string_view name) {
+    return AddStoredField(record, name, variant());
+}
+
+}  // namespace ts::test
