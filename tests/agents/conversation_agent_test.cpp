@@ -128,47 +128,9 @@ TEST(ConversationAgents, NewConversationAndLineReadTheirDefaults) {
 
     CAgentConversationLine line;
     ASSERT_TRUE(line.CreateOn(nullptr));
-    std::int32_t stringId = 0, conditionFlag = 0, actionFlag = 0;
-    bool conditionResult = false, playSounds = false;
-    std::uint32_t seed = 7;
-    ASSERT_TRUE(line.GetStringID(stringId) && line.GetConditionPlotFlag(conditionFlag) &&
-                line.GetActionPlotFlag(actionFlag) && line.GetConditionResult(conditionResult) &&
-                line.GetPlaySoundEvents(playSounds) && line.GetRoboZeltSeed(seed));
+    std::int32_t stringId = 0;
+    ASSERT_TRUE(line.GetStringID(stringId));
     EXPECT_EQ(stringId, -1) << "no string yet";
-    EXPECT_EQ(conditionFlag, -1);
-    EXPECT_EQ(actionFlag, -1);
-    EXPECT_TRUE(conditionResult);
-    EXPECT_TRUE(playSounds);
-    EXPECT_EQ(seed, 0u);
-    EXPECT_EQ(line.TransitionListCount(), 0u);
-}
-
-TEST(ConversationAgents, LineFieldsRoundTripThroughTheirNodes) {
-    CAgentConversationLine line;
-    ASSERT_TRUE(line.CreateOn(nullptr));
-    ASSERT_TRUE(line.SetText(u"Ça va, «ami»? 😀"));
-    ASSERT_TRUE(line.SetSpeaker(u"guard_captain"));
-    ASSERT_TRUE(line.SetRoboZeltSeed(0xFFFFFFFFu));
-    ASSERT_TRUE(line.SetSecondaryCameraDelay(1.25f));
-    ASSERT_TRUE(line.SetPreviewStagePosition({1, -2, 3.5f}));
-    ASSERT_TRUE(line.SetTextRequiresReRecording(true));
-
-    CAgentConversationLine view;
-    view.Bind(line.GetNode());
-    std::u16string text, speaker;
-    std::uint32_t seed = 0;
-    float delay = 0;
-    TsVector3 position;
-    bool reRecord = false;
-    ASSERT_TRUE(view.GetText(text) && view.GetSpeaker(speaker) && view.GetRoboZeltSeed(seed) &&
-                view.GetSecondaryCameraDelay(delay) && view.GetPreviewStagePosition(position) &&
-                view.GetTextRequiresReRecording(reRecord));
-    EXPECT_EQ(text, u"Ça va, «ami»? 😀");
-    EXPECT_EQ(speaker, u"guard_captain");
-    EXPECT_EQ(seed, 0xFFFFFFFFu);
-    EXPECT_EQ(delay, 1.25f);
-    EXPECT_EQ(position, (TsVector3{1, -2, 3.5f}));
-    EXPECT_TRUE(reRecord);
 }
 
 TEST_F(SmallConversation, LinkOperationsBuildAndReadTheDialogue) {

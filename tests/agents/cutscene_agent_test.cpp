@@ -189,54 +189,38 @@ TEST_F(GuardCutscene, AWalkFindsTheOneSpeakLineAndItsLine) {
     EXPECT_EQ(line, 7);
 }
 
-TEST_F(GuardCutscene, ActorsTracksCurvesAndTransitionsReadBack) {
-    ASSERT_EQ(cutscene.ActorListCount(), 2u);
-    EXPECT_EQ(cutscene.HenchmanActorListCount(), 0u);
+TEST_F(GuardCutscene, KeyCurvesAndTransitionsHangUnderTheirOwners) {
     CTsComPtr<ITsProperty> node;
     ASSERT_TRUE(cutscene.GetActorListItem(1, node));
-    CAgentCutsceneActor actor;
-    actor.Bind(node.Get());
-    std::int32_t type = 0;
-    std::uint32_t id = 0;
-    std::u16string tag;
-    ASSERT_TRUE(actor.GetType(type) && actor.GetActorID(id) && actor.GetMappingTag(tag));
-    EXPECT_EQ(type, CAgentCutsceneCreature::kActorType);
-    EXPECT_EQ(id, 2u);
-    EXPECT_EQ(tag, u"guard_captain");
-
-    ASSERT_TRUE(actor.GetActionTransitionListItem(0, node));
+    CAgentCutsceneActor guard;
+    guard.Bind(node.Get());
+    ASSERT_TRUE(guard.GetActionTransitionListItem(0, node));
     CAgentCutsceneActionTransition join;
     join.Bind(node.Get());
     std::int32_t b = -1;
     ASSERT_TRUE(join.GetActionIndexB(b));
     EXPECT_EQ(b, 1);
 
-    ASSERT_TRUE(actor.GetTrackListItem(0, node));
     CAgentCutsceneTrack track;
+    ASSERT_TRUE(guard.GetTrackListItem(0, node));
     track.Bind(node.Get());
-    ASSERT_TRUE(track.GetType(type));
-    EXPECT_EQ(type, 3);
-    ASSERT_TRUE(track.GetActionListItem(0, node));
     CAgentCutsceneActionPlayAnimation wave;
+    ASSERT_TRUE(track.GetActionListItem(0, node));
     wave.Bind(node.Get());
+    EXPECT_EQ(track.CurveListCount(), 0u) << "the curve belongs to the action, not the track";
     ASSERT_EQ(wave.CurveListCount(), 1u);
     ASSERT_TRUE(wave.GetCurveListItem(0, node));
     CAgentCutsceneCurve curve;
     curve.Bind(node.Get());
-    std::u16string keyed;
-    ASSERT_TRUE(curve.GetProperty(keyed));
-    EXPECT_EQ(keyed, u"Weight");
     ASSERT_EQ(curve.KeyListCount(), 2u);
     ASSERT_TRUE(curve.GetKeyListItem(1, node));
     CAgentCutsceneCurveKey key;
     key.Bind(node.Get());
     std::int32_t time = 0;
-    float value = 0;
-    ASSERT_TRUE(key.GetTime(time) && key.GetValue(value));
+    float value = 0, weightBase = 0;
+    ASSERT_TRUE(key.GetTime(time) && key.GetValue(value) && wave.GetWeightBase(weightBase));
     EXPECT_EQ(time, 300);
     EXPECT_EQ(value, 100.0f);
-    float weightBase = 0;
-    ASSERT_TRUE(wave.GetWeightBase(weightBase));
     EXPECT_EQ(weightBase, 100.0f) << "the un-keyed value stays in the twin";
 }
 

@@ -5,7 +5,6 @@
 #include "agents/agentarea.h"
 #include "agents/agentcreature.h"
 #include "agents/agentplot.h"
-#include "agents/agentscript.h"
 #include "stored_record.h"
 #include "support/report_capture.h"
 #include "support/variant_print.h"
@@ -49,14 +48,6 @@ TEST_F(GatePlot, FlagsAreFoundByNumberNotByPosition) {
     EXPECT_EQ(reports.size(), 0u);
 }
 
-TEST(ResourceKinds, ANewPlotHasNoFlags) {
-    CAgentPlot plot;
-    ASSERT_TRUE(plot.CreateOn(nullptr));
-    EXPECT_EQ(plot.StatusListCount(), 0u);
-    CAgentPlotStatus status;
-    EXPECT_FALSE(plot.FindStatus(0, status));
-}
-
 TEST(ResourceKinds, AreaObjectsAreFoundByTag) {
     CAgentArea area;
     ASSERT_TRUE(area.CreateOn(nullptr));
@@ -73,25 +64,6 @@ TEST(ResourceKinds, AreaObjectsAreFoundByTag) {
     EXPECT_EQ(uri, u"chest.utp");
     EXPECT_FALSE(area.FindObject(u"henchman 1", found));
     EXPECT_FALSE(area.FindObject(u"", found));
-}
-
-TEST(ResourceKinds, CreaturesAndScriptsAreNamedResources) {
-    CAgentCreature creature;
-    ASSERT_TRUE(creature.CreateOn(nullptr));
-    ASSERT_TRUE(creature.SetResRefName(u"guard_captain") && creature.SetTag(u"guard_captain") &&
-                creature.SetName(u"Captain Orsk"));
-    std::u16string tag, name;
-    ASSERT_TRUE(creature.GetTag(tag) && creature.GetName(name));
-    EXPECT_EQ(tag, u"guard_captain");
-    EXPECT_EQ(name, u"Captain Orsk");
-
-    CAgentScript script;
-    ASSERT_TRUE(script.CreateOn(nullptr));
-    ASSERT_TRUE(script.SetResRefName(u"gate_open"));
-    std::u16string resref;
-    ASSERT_TRUE(script.GetResRefName(resref));
-    EXPECT_EQ(resref, u"gate_open");
-    EXPECT_TRUE(CAgentScript::Fields().empty());
 }
 
 TEST(ResourceKinds, AMistypedStoredFieldFailsAndLeavesTheOutput) {
