@@ -10,6 +10,8 @@ std::vector<FrameworkService> FrameworkServices() {
         {"report", "diagnostic report and log"},
         {"properties", "resource property trees"},
         {"strings", "host-allocated strings"},
+        {"plugins", "plugin loader and host events"},
+        {"host-ui", "message boxes and telemetry"},
     };
 }
 

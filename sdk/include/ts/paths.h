@@ -15,5 +15,8 @@ TS_API std::string ToolsetConfigFolder();
 TS_API std::string HostExecutableName();
 // Creates the folder and its parents; true when it exists afterwards.
 TS_API bool EnsureFolder(const std::string& path);
+// The user's documents folder: XDG_DOCUMENTS_DIR of "$XDG_CONFIG_HOME/user-dirs.dirs", else
+// "$HOME/Documents".
+TS_API std::string DocumentsFolder();
 
 }  // namespace ts

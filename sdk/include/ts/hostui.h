@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "ts/api.h"
+
+// Message box styles and answers, with the platform's values.
+inline constexpr std::uint32_t MB_OK = 0x0;
+inline constexpr std::uint32_t MB_OKCANCEL = 0x1;
+inline constexpr std::uint32_t MB_YESNOCANCEL = 0x3;
+inline constexpr std::uint32_t MB_YESNO = 0x4;
+inline constexpr std::uint32_t MB_ICONERROR = 0x10;
+inline constexpr std::uint32_t MB_ICONQUESTION = 0x20;
+inline constexpr std::uint32_t MB_ICONWARNING = 0x30;
+inline constexpr std::uint32_t MB_ICONINFORMATION = 0x40;
+inline constexpr std::uint32_t MB_DEFBUTTON2 = 0x100;
+inline constexpr std::uint32_t MB_DEFBUTTON3 = 0x200;
+
+inline constexpr std::uint32_t kTsMessageBoxButtons = 0xF;
+inline constexpr std::uint32_t kTsMessageBoxIcon = 0xF0;
+inline constexpr std::uint32_t kTsMessageBoxDefault = 0xF00;
+
+inline constexpr int IDOK = 1;
+inline constexpr int IDCANCEL = 2;
+inline constexpr int IDYES = 6;
+inline constexpr int IDNO = 7;
+
+// Shows a message to the user and returns the answer (IDOK, IDYES, ...). Goes to the running
+// host's user interface; with none installed the message is logged (level USER) and the
+// default button is the answer.
+TS_API int TsMessageBox(std::u16string_view text, std::u16string_view caption, std::uint32_t style);
+
+namespace ts {
+
+// What a host that can talk to the user provides: a Qt dialog in the desktop app, the terminal
+// in the command-line host, a script in tests.
+class HostUi {
+public:
+    virtual ~HostUi() = default;
+    virtual int MessageBox(std::u16string_view text, std::u16string_view caption,
+                           std::uint32_t style) = 0;
+};
+
+// Installs `ui` (not owned; null removes it) and returns the one it replaces.
+TS_API HostUi* SetHostUi(HostUi* ui);
+TS_API HostUi* CurrentHostUi();
+
+// The answer of the style's default button: the first button unless MB_DEFBUTTON2/3 names
+// another one that the style has.
+TS_API int DefaultMessageBoxAnswer(std::uint32_t style);
+
+// Writes each message to `out` ("Error: caption: text") and answers with the default button:
+// batch work never waits for a person.
+TS_API std::unique_ptr<HostUi> MakeConsoleHostUi(std::FILE* out);
+
+}  // namespace ts

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "ts/hostui.h"
+
+namespace ts::test {
+
+// Stands in for the user while it lives: records every message box and answers from a script
+// (the default button once the script runs out).
+class ScriptedUi : public HostUi {
+public:
+    struct Shown {
+        std::u16string text;
+        std::u16string caption;
+        std::uint32_t style;
+    };
+
+    ScriptedUi() : previous_(SetHostUi(this)) {}
+    ~ScriptedUi() override { SetHostUi(previous_); }
+    ScriptedUi(const ScriptedUi&) = delete;
+    ScriptedUi& operator=(const ScriptedUi&) = delete;
+
+    void Answer(int answer) { answers_.push_back(answer); }
+    const std::vector<Shown>& shown() const { return shown_; }
+
+    int MessageBox(std::u16string_view text, std::u16string_view caption, std::uint32_t style) override {
+        shown_.push_back({std::u16string(text), std::u16string(caption), style});
+        if (answers_.empty()) return DefaultMessageBoxAnswer(style);
+        int answer = answers_.front();
+        answers_.pop_front();
+        return answer;
+    }
+
+private:
+    HostUi* previous_;
+    std::deque<int> answers_;
+    std::vector<Shown> shown_;
+};
+
+}  // namespace ts::test
