@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/command_source_support.h"
+#include "core/editor_support.h"
+#include "core/event_sink.h"
+#include "core/frame_wnd.h"
+#include "core/layout_support.h"
+#include "core/window_interface.h"
+#include "ts/guid.h"
+#include "ts/resource.h"
+#include "ts/stringenum.h"
+#include "ts/uiwindow.h"
+
+// The conversation editor's window: the editor state the host reads and writes, the command
+// source identity, the layout places, and the event sink through which host events reach it.
+class CConversationEditorWnd : public CTsFrameWnd,
+                               public CTsEditorSupport<CConversationEditorWnd>,
+                               public CTsEditorLayoutSupport<CConversationEditorWnd>,
+                               public CTsUICommandSourceSupport<CConversationEditorWnd> {
+public:
+    static constexpr CLSID kClassId = ts::Guid("{00AFAF9F-EBA6-4DD2-BE63-1B6C33076D02}");
+    static constexpr std::u16string_view kCommandSourceName = u"DLGEditor";
+    static constexpr std::u16string_view kCommandBars = u"DialogEditor\nDialogEditorHighlight";
+    // The editor's option pages and its settings section.
+    static constexpr std::u16string_view kOptionsName = u"DlgEditor";
+    static constexpr std::u16string_view kResourceType = u"Conversation";
+    // The splitters whose positions the saved layout records.
+    static constexpr std::u16string_view kWindowSplitter = u"WindowSplitter";
+    static constexpr std::u16string_view kTextSplitter = u"TextSplitter";
+
+    CConversationEditorWnd(CTsWindowInterface<CConversationEditorWnd>& owner, TsWindowHandle parent);
+
+    TsWindowHandle Parent() const { return parent_; }
+    ITsEventSink* GetEventSink() const { return events_.GetSink(); }
+
+    // ITsEditor operations of this editor.
+    HRESULT EnumerateResourceTypes(std::int32_t which, ITsStringEnum** types);
+    // Loading, writing back, saving and counting words work on the conversation tree, which
+    // this window does not hold yet: each answers E_NOTIMPL.
+    HRESULT LoadResource(IUnknown* resource);
+    HRESULT GetContent(IUnknown* resource);
+    HRESULT SaveResource(std::uint32_t hostArgument);
+    HRESULT ReportWordCount();
+
+    // Records a word count in the host's telemetry as decimal text; raises ComError(E_FAIL)
+    // when the host can't record it.
+    void SendWordCount(std::int32_t count);
+
+    std::u16string OptionsName() const { return std::u16string(kOptionsName); }
+
+    // The caption: the resource's name, "*" while modified, " [Read Only]" when read-only.
+    void RefreshStateDisplay();
+
+    void OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t param2, ITsResource* resource);
+
+private:
+    TsWindowHandle parent_;
+    CTsEventSinkConnection<CTsWindowInterface<CConversationEditorWnd>> events_;
+};
