@@ -3,15 +3,18 @@
 #include <cstring>
 #include <string_view>
 
+#include "plugins_command.h"
 #include "ts/framework.h"
+#include "ts/hostui.h"
 #include "ts/report.h"
 
 namespace {
 
 int PrintUsage(std::FILE* to) {
     std::fputs(
-        "Usage: toolset-cli [--version | --help | info]\n"
+        "Usage: toolset-cli [--version | --help | info | plugins [folder]]\n"
         "  info       print the framework's version and the services it offers\n"
+        "  plugins    load the plugins of a folder (default: the host's) and list their classes\n"
         "  --version  print the version\n",
         to);
     return to == stdout ? 0 : 2;
@@ -29,6 +32,9 @@ int PrintInfo() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // Messages meant for the user go to the terminal; batch work never waits for an answer.
+    auto console = ts::MakeConsoleHostUi(stderr);
+    ts::SetHostUi(console.get());
     if (argc < 2) return PrintInfo();
     std::string_view command = argv[1];
     if (command == "--version") {
@@ -37,6 +43,7 @@ int main(int argc, char** argv) {
     }
     if (command == "--help" || command == "-h") return PrintUsage(stdout);
     if (command == "info") return PrintInfo();
+    if (command == "plugins" && argc <= 3) return RunPluginsCommand(argc == 3 ? argv[2] : "");
     std::fprintf(stderr, "toolset-cli: unknown command \"%s\"\n", argv[1]);
     return PrintUsage(stderr);
 }
