@@ -6,7 +6,8 @@
 
 namespace ts {
 
-HRESULT SendHostEvent(TsAtom event, std::uint32_t flags, std::u16string_view text, IUnknown* payload) {
+HRESULT SendHostEvent(TsAtom event, std::uint32_t flags, std::u16string_view text,
+                      IUnknown* payload) {
     CTsComPtr<ITsEnvironment> environment;
     if (HRESULT hr = TsGetEnvironment(environment.Put()); FAILED(hr)) return hr;
     if (!environment) return E_FAIL;

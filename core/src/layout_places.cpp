@@ -31,7 +31,9 @@ std::u16string UserLayoutFolder() {
     return Utf8ToUtf16(folder);
 }
 
-std::u16string UserLayoutFilePath() { return UserLayoutFolder() + u"Layouts3.xml"; }
+std::u16string UserLayoutFilePath() {
+    return UserLayoutFolder() + u"Layouts3.xml";
+}
 
 std::u16string DefaultLayoutProfileKey(bool dialog, std::u16string_view layoutName) {
     std::u16string key = u"DefaultLayout\\";

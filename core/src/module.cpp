@@ -24,16 +24,21 @@ private:
 
 }  // namespace
 
-HRESULT TsUpdateRegistryNothing(bool) { return S_OK; }
+HRESULT TsUpdateRegistryNothing(bool) {
+    return S_OK;
+}
 
-const char16_t* TsNoObjectDescription() { return nullptr; }
+const char16_t* TsNoObjectDescription() {
+    return nullptr;
+}
 
 HRESULT TsCreateClassFactory(void* creator, REFIID iid, void** object) {
     if (!object) return E_POINTER;
     *object = nullptr;
     if (!creator) return E_INVALIDARG;
     // The module caches the factory: it must not keep its own module loaded.
-    auto factory = CTsComObjectNoLock<CTsCreatorClassFactory>::Create(reinterpret_cast<TsCreatorFn>(creator));
+    auto factory =
+        CTsComObjectNoLock<CTsCreatorClassFactory>::Create(reinterpret_cast<TsCreatorFn>(creator));
     if (!factory) return E_OUTOFMEMORY;
     return factory->QueryInterface(iid, object);
 }
@@ -81,7 +86,8 @@ HRESULT CTsModule::GetClassObject(REFCLSID clsid, REFIID iid, void** object) {
             factory = found->cachedFactory.load(std::memory_order_acquire);
             if (!factory) {
                 void* made = nullptr;
-                hr = found->getClassObject(reinterpret_cast<void*>(found->createInstance), IUnknown::kIID, &made);
+                hr = found->getClassObject(reinterpret_cast<void*>(found->createInstance),
+                                           IUnknown::kIID, &made);
                 factory = static_cast<IUnknown*>(made);
                 if (factory) found->cachedFactory.store(factory, std::memory_order_release);
             }
@@ -98,7 +104,8 @@ HRESULT CTsModule::GetGlobalInterfaceTable(IGlobalInterfaceTable** table) {
     *table = nullptr;
     std::lock_guard lock(criticalSection_);
     if (!globalInterfaceTable_) {
-        if (HRESULT hr = TsCreateGlobalInterfaceTable(&globalInterfaceTable_); FAILED(hr)) return hr;
+        if (HRESULT hr = TsCreateGlobalInterfaceTable(&globalInterfaceTable_); FAILED(hr))
+            return hr;
     }
     globalInterfaceTable_->AddRef();
     *table = globalInterfaceTable_;

@@ -22,11 +22,16 @@ std::uint32_t ParsePluginFlags(std::u16string_view attribute) {
     while (!attribute.empty()) {
         std::size_t comma = attribute.find(u',');
         std::u16string_view token = Trim(attribute.substr(0, comma));
-        attribute = comma == std::u16string_view::npos ? std::u16string_view() : attribute.substr(comma + 1);
+        attribute = comma == std::u16string_view::npos ? std::u16string_view()
+                                                       : attribute.substr(comma + 1);
         if (token.empty()) continue;
-        if (token == u"SingleInstance") flags |= kTsPluginSingleInstance;
-        else if (token == u"ToolWindow") flags |= kTsPluginToolWindow;
-        else Report(ReportLevel::Assert, "toolsmfcimpls", __LINE__, u"Unknown flag in plugin settings");
+        if (token == u"SingleInstance")
+            flags |= kTsPluginSingleInstance;
+        else if (token == u"ToolWindow")
+            flags |= kTsPluginToolWindow;
+        else
+            Report(ReportLevel::Assert, "toolsmfcimpls", __LINE__,
+                   u"Unknown flag in plugin settings");
     }
     return flags;
 }

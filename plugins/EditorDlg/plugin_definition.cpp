@@ -4,6 +4,7 @@
 
 extern "C" {
 
+// clang-format off
 TS_PLUGIN_DEFINITION const char kEditorDlgPluginDefinition[] =
     "<pluginDefinitions>\r\n"
     "    <plugins>\r\n"
@@ -21,5 +22,5 @@ TS_PLUGIN_DEFINITION const char kEditorDlgPluginDefinition[] =
     "        </plugin>\r\n"
     "    </plugins>\r\n"
     "</pluginDefinitions>\r\n";
-
+// clang-format on
 }

@@ -11,7 +11,8 @@ namespace {
 
 TsObjectMapEntry gObjectMap[] = {
     TS_OBJECT_ENTRY(CConversationEditorWnd::kClassId, CTsWindowInterface<CConversationEditorWnd>),
-    TS_OBJECT_ENTRY(CConversationLinePreviewWnd::kClassId, CTsWindowInterface<CConversationLinePreviewWnd>),
+    TS_OBJECT_ENTRY(CConversationLinePreviewWnd::kClassId,
+                    CTsWindowInterface<CConversationLinePreviewWnd>),
 };
 
 // Initialised when the library is loaded; at unload it releases the cached class factories.

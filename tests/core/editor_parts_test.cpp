@@ -46,7 +46,8 @@ TEST(PluginFlags, EachKnownTokenAddsItsFlagAndUnknownOnesAreReported) {
     for (const auto& c : cases) {
         ReportCapture reports;
         EXPECT_EQ(ts::ParsePluginFlags(c.attribute), c.flags) << ts::Utf16ToUtf8(c.attribute);
-        EXPECT_EQ(reports.Count(u"Unknown flag in plugin settings"), c.reports) << ts::Utf16ToUtf8(c.attribute);
+        EXPECT_EQ(reports.Count(u"Unknown flag in plugin settings"), c.reports)
+            << ts::Utf16ToUtf8(c.attribute);
         if (c.reports) {
             EXPECT_EQ(reports.entries()[0].level, 0) << "an assertion report";
         }
@@ -74,8 +75,10 @@ protected:
         root_ = ts::test::MakeTempFolder("ts-layouts");
     }
     void TearDown() override {
-        if (saved_) setenv("TS_APPDATAPATH", saved_->c_str(), 1);
-        else unsetenv("TS_APPDATAPATH");
+        if (saved_)
+            setenv("TS_APPDATAPATH", saved_->c_str(), 1);
+        else
+            unsetenv("TS_APPDATAPATH");
         std::filesystem::remove(std::string(std::getenv("XDG_CONFIG_HOME")) + "/user-dirs.dirs");
         std::filesystem::remove_all(root_);
     }
@@ -89,7 +92,8 @@ TEST_F(LayoutPlaces, DefaultLayoutsLiveInTheApplicationDataFolder) {
     setenv("TS_APPDATAPATH", (root_ + "/appdata/").c_str(), 1);
     EXPECT_EQ(ts::DefaultLayoutFilePath(), ts::Utf8ToUtf16(root_ + "/appdata/DefaultLayouts.xml"));
     unsetenv("TS_APPDATAPATH");
-    EXPECT_EQ(ts::DefaultLayoutFilePath(), ts::Utf8ToUtf16(ts::ToolsetDataFolder() + "/DefaultLayouts.xml"));
+    EXPECT_EQ(ts::DefaultLayoutFilePath(),
+              ts::Utf8ToUtf16(ts::ToolsetDataFolder() + "/DefaultLayouts.xml"));
 
     EXPECT_EQ(ts::DefaultLayoutProfileKey(false, u"Dialog"), u"DefaultLayout\\EditorsDialog");
     EXPECT_EQ(ts::DefaultLayoutProfileKey(true, u"Find"), u"DefaultLayout\\DialogsFind");
@@ -98,9 +102,10 @@ TEST_F(LayoutPlaces, DefaultLayoutsLiveInTheApplicationDataFolder) {
 TEST_F(LayoutPlaces, UserLayoutsLiveInTheDocumentsFolderWhichIsCreated) {
     std::string config = std::getenv("XDG_CONFIG_HOME");
     std::filesystem::create_directories(config);
-    std::ofstream(config + "/user-dirs.dirs") << "# written by a test\n"
-                                              << "XDG_DESKTOP_DIR=\"$HOME/Desktop\"\n"
-                                              << "XDG_DOCUMENTS_DIR=\"" << root_ << "/My Documents\"\n";
+    std::ofstream(config + "/user-dirs.dirs")
+        << "# written by a test\n"
+        << "XDG_DESKTOP_DIR=\"$HOME/Desktop\"\n"
+        << "XDG_DOCUMENTS_DIR=\"" << root_ << "/My Documents\"\n";
     std::string folder = root_ + "/My Documents/Halvorn/Mistreach/Toolset/";
     ASSERT_FALSE(std::filesystem::exists(folder));
     EXPECT_EQ(ts::UserLayoutFolder(), ts::Utf8ToUtf16(folder));
@@ -134,7 +139,8 @@ TEST(StringEnum, HandsOutEachTextOnceUntilReset) {
 
 TEST(CommandSourceSupport, SplitsTheCommandBarsAtLineFeeds) {
     struct W;
-    EXPECT_EQ(CTsUICommandSourceSupport<W>(u"S", u"DialogEditor\nDialogEditorHighlight").CommandBarNames(),
+    EXPECT_EQ(CTsUICommandSourceSupport<W>(u"S", u"DialogEditor\nDialogEditorHighlight")
+                  .CommandBarNames(),
               (std::vector<std::u16string>{u"DialogEditor", u"DialogEditorHighlight"}));
     EXPECT_TRUE(CTsUICommandSourceSupport<W>(u"S", u"").CommandBarNames().empty());
     EXPECT_EQ(CTsUICommandSourceSupport<W>(u"S", u"\nOne\n\nTwo\n").CommandBarNames(),
@@ -144,9 +150,10 @@ TEST(CommandSourceSupport, SplitsTheCommandBarsAtLineFeeds) {
 TEST(HostEvents, PluginEventsReachTheHostsListeners) {
     std::vector<ts::HostEvent> seen;
     int handle = ts::AddHostEventListener([&](const ts::HostEvent& e) { seen.push_back(e); });
-    EXPECT_EQ(ts::SendHostEvent(ts::events::Error(), ts::events::kError,
-                                u"Conversation \"intro\" link refers to a line that does not exist."),
-              S_OK);
+    EXPECT_EQ(
+        ts::SendHostEvent(ts::events::Error(), ts::events::kError,
+                          u"Conversation \"intro\" link refers to a line that does not exist."),
+        S_OK);
     EXPECT_EQ(ts::SendHostEvent(ts::events::UserInteraction(), ts::events::kNotice, u""), S_OK);
     EXPECT_EQ(ts::SendHostEvent(0, 0, u"no event"), E_INVALIDARG);
     ts::RemoveHostEventListener(handle);

@@ -14,7 +14,8 @@ namespace {
 using ts::test::FakeResource;
 using ts::test::OtherPayload;
 using BoolCache = CEventListeningCache<std::map<int, bool>>;
-using TextTableCache = CEventListeningCache<std::map<int, std::map<std::u16string, std::u16string>>>;
+using TextTableCache =
+    CEventListeningCache<std::map<int, std::map<std::u16string, std::u16string>>>;
 
 struct Recorder {
     int events = 0;
@@ -50,12 +51,14 @@ TEST(EventSink, PassesThePayloadAsAResourceOrNothing) {
 }
 
 TEST(ListeningCache, EmptiesOnRefreshRefreshNoArtAndClosingEnvironmentOnly) {
-    for (TsAtom clearing : {ts::events::Refresh(), ts::events::RefreshNoArt(), ts::events::ClosingEnvironment()}) {
+    for (TsAtom clearing :
+         {ts::events::Refresh(), ts::events::RefreshNoArt(), ts::events::ClosingEnvironment()}) {
         BoolCache answers;
         answers.Map()[3] = true;
         answers->emplace(4, false);
-        for (TsAtom kept : {ts::events::OptionsChange(), ts::events::SaveResource(), ts::events::RefreshOverride(),
-                            ts::events::NewResource(), TsAddAtom(u"SomethingElse")}) {
+        for (TsAtom kept : {ts::events::OptionsChange(), ts::events::SaveResource(),
+                            ts::events::RefreshOverride(), ts::events::NewResource(),
+                            TsAddAtom(u"SomethingElse")}) {
             ts::BroadcastToEventSinks(kept, 0, 0, nullptr);
             EXPECT_EQ(answers->size(), 2u) << ts::Utf16ToUtf8(TsGetAtomName(kept));
         }

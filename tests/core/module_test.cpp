@@ -65,10 +65,13 @@ struct ModuleFixture : ::testing::Test {
     TsObjectMapEntry map[6] = {
         TS_OBJECT_ENTRY(kProbeClass, Probe),
         TS_OBJECT_ENTRY(kUnallocatableClass, Unallocatable),
-        {&kBrokenFactoryClass, &TsUpdateRegistryNothing, &BrokenFactory, nullptr, nullptr, 0, &TsNoObjectDescription},
-        {&kSilentFactoryClass, &TsUpdateRegistryNothing, &SilentFactory, nullptr, nullptr, 0, &TsNoObjectDescription},
+        {&kBrokenFactoryClass, &TsUpdateRegistryNothing, &BrokenFactory, nullptr, nullptr, 0,
+         &TsNoObjectDescription},
+        {&kSilentFactoryClass, &TsUpdateRegistryNothing, &SilentFactory, nullptr, nullptr, 0,
+         &TsNoObjectDescription},
         // An entry without a factory creator is passed over, even for its own class id.
-        {&kSkippedClass, &TsUpdateRegistryNothing, nullptr, nullptr, nullptr, 0, &TsNoObjectDescription},
+        {&kSkippedClass, &TsUpdateRegistryNothing, nullptr, nullptr, nullptr, 0,
+         &TsNoObjectDescription},
         {nullptr, nullptr, nullptr, nullptr, nullptr, 0, nullptr},
     };
     CTsModule module{map};
@@ -76,21 +79,28 @@ struct ModuleFixture : ::testing::Test {
 
 TEST_F(ModuleFixture, LookupReturnsEveryCodeOfItsSteps) {
     void* out = reinterpret_cast<void*>(0x1);
-    EXPECT_EQ(TsModuleGetClassObject(nullptr, kProbeClass, IClassFactory::kIID, &out), E_INVALIDARG);
+    EXPECT_EQ(TsModuleGetClassObject(nullptr, kProbeClass, IClassFactory::kIID, &out),
+              E_INVALIDARG);
 
     CTsModule uninitialised;
-    EXPECT_EQ(TsModuleGetClassObject(&uninitialised, kProbeClass, IClassFactory::kIID, &out), E_UNEXPECTED);
-    EXPECT_EQ(TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, nullptr), E_POINTER);
+    EXPECT_EQ(TsModuleGetClassObject(&uninitialised, kProbeClass, IClassFactory::kIID, &out),
+              E_UNEXPECTED);
+    EXPECT_EQ(TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, nullptr),
+              E_POINTER);
 
     out = reinterpret_cast<void*>(0x1);
-    EXPECT_EQ(TsModuleGetClassObject(&module, kUnknownClass, IClassFactory::kIID, &out), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(TsModuleGetClassObject(&module, kUnknownClass, IClassFactory::kIID, &out),
+              CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(out, nullptr) << "the output is cleared before the lookup";
-    EXPECT_EQ(TsModuleGetClassObject(&module, kSkippedClass, IClassFactory::kIID, &out), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(TsModuleGetClassObject(&module, kSkippedClass, IClassFactory::kIID, &out),
+              CLASS_E_CLASSNOTAVAILABLE);
 
     // A creator's own failure is passed on; a creator that made nothing and said nothing is
     // "class not available".
-    EXPECT_EQ(TsModuleGetClassObject(&module, kBrokenFactoryClass, IClassFactory::kIID, &out), E_OUTOFMEMORY);
-    EXPECT_EQ(TsModuleGetClassObject(&module, kSilentFactoryClass, IClassFactory::kIID, &out), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(TsModuleGetClassObject(&module, kBrokenFactoryClass, IClassFactory::kIID, &out),
+              E_OUTOFMEMORY);
+    EXPECT_EQ(TsModuleGetClassObject(&module, kSilentFactoryClass, IClassFactory::kIID, &out),
+              CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(map[2].cachedFactory.load(), nullptr);
 
     // The factory answers only its own interfaces.
@@ -100,8 +110,10 @@ TEST_F(ModuleFixture, LookupReturnsEveryCodeOfItsSteps) {
 
 TEST_F(ModuleFixture, FactoryIsMadeOnceAndCachedUntilTheModuleEnds) {
     CTsComPtr<IClassFactory> first, second;
-    ASSERT_EQ(TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, first.PutVoid()), S_OK);
-    ASSERT_EQ(TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, second.PutVoid()), S_OK);
+    ASSERT_EQ(TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, first.PutVoid()),
+              S_OK);
+    ASSERT_EQ(TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, second.PutVoid()),
+              S_OK);
     EXPECT_EQ(first.Get(), second.Get());
     EXPECT_EQ(static_cast<IUnknown*>(first.Get()), map[0].cachedFactory.load());
 
@@ -113,22 +125,30 @@ TEST_F(ModuleFixture, FactoryIsMadeOnceAndCachedUntilTheModuleEnds) {
     EXPECT_EQ(first->AddRef() - 1, ours - 1);
     first->Release();
     void* out = nullptr;
-    EXPECT_EQ(TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, &out), E_UNEXPECTED);
+    EXPECT_EQ(TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, &out),
+              E_UNEXPECTED);
 }
 
 TEST(Module, TwoThreadsAskingAtOnceGetOneFactory) {
     TsObjectMapEntry map[] = {
-        {&kProbeClass, &TsUpdateRegistryNothing, &SlowFactory, &CTsCreator<Probe>::CreateInstance, nullptr, 0,
-         &TsNoObjectDescription},
+        {&kProbeClass, &TsUpdateRegistryNothing, &SlowFactory, &CTsCreator<Probe>::CreateInstance,
+         nullptr, 0, &TsNoObjectDescription},
     };
     CTsModule module{map};
     gSlowFactoriesMade = 0;
     IClassFactory* got[2] = {};
-    std::thread a([&] { TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, reinterpret_cast<void**>(&got[0])); });
-    std::thread b([&] { TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, reinterpret_cast<void**>(&got[1])); });
+    std::thread a([&] {
+        TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID,
+                               reinterpret_cast<void**>(&got[0]));
+    });
+    std::thread b([&] {
+        TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID,
+                               reinterpret_cast<void**>(&got[1]));
+    });
     a.join();
     b.join();
-    EXPECT_EQ(gSlowFactoriesMade.load(), 1) << "the second check inside the lock finds the first one's factory";
+    EXPECT_EQ(gSlowFactoriesMade.load(), 1)
+        << "the second check inside the lock finds the first one's factory";
     ASSERT_NE(got[0], nullptr);
     EXPECT_EQ(got[0], got[1]);
     got[0]->Release();
@@ -137,7 +157,8 @@ TEST(Module, TwoThreadsAskingAtOnceGetOneFactory) {
 
 TEST_F(ModuleFixture, InstancesRefuseAggregationAndLockTheModuleWhileTheyLive) {
     CTsComPtr<IClassFactory> factory;
-    ASSERT_EQ(TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, factory.PutVoid()), S_OK);
+    ASSERT_EQ(TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, factory.PutVoid()),
+              S_OK);
     long locksBefore = module.GetLockCount();
 
     CTsComPtr<IProbe> probe;
@@ -168,7 +189,9 @@ TEST_F(ModuleFixture, InstancesRefuseAggregationAndLockTheModuleWhileTheyLive) {
 
 TEST_F(ModuleFixture, AllocationFailureIsOutOfMemory) {
     CTsComPtr<IClassFactory> factory;
-    ASSERT_EQ(TsModuleGetClassObject(&module, kUnallocatableClass, IClassFactory::kIID, factory.PutVoid()), S_OK);
+    ASSERT_EQ(TsModuleGetClassObject(&module, kUnallocatableClass, IClassFactory::kIID,
+                                     factory.PutVoid()),
+              S_OK);
     void* out = reinterpret_cast<void*>(0x1);
     EXPECT_EQ(factory->CreateInstance(nullptr, IProbe::kIID, &out), E_OUTOFMEMORY);
     EXPECT_EQ(out, nullptr);

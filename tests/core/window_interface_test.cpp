@@ -36,7 +36,9 @@ public:
     static constexpr CLSID kClassId = ts::Guid("{7D2E4F10-6C1B-4A8E-9D3F-2B5A6C7D8E01}");
 
     FullWindow(CTsWindowInterface<FullWindow>& owner, TsWindowHandle)
-        : CTsEditorLayoutSupport(true), CTsUICommandSourceSupport(u"FullSource", u"BarOne\nBarTwo\n"), events_(&owner) {}
+        : CTsEditorLayoutSupport(true),
+          CTsUICommandSourceSupport(u"FullSource", u"BarOne\nBarTwo\n"),
+          events_(&owner) {}
 
     HRESULT LoadResource(IUnknown* resource) {
         if (!resource) return E_INVALIDARG;
@@ -177,7 +179,9 @@ TEST(WindowInterface, ForwardsEditorStateToTheWindow) {
 
     // The modified and extra bits the host passes are dropped; the read-only bit is kept and
     // empties the undo history.
-    ASSERT_EQ(editor->Attach(77, u"act1/Intro_Talk.DLG", kTsEditorReadOnly | kTsEditorModified | kTsEditorExtraState), S_OK);
+    ASSERT_EQ(editor->Attach(77, u"act1/Intro_Talk.DLG",
+                             kTsEditorReadOnly | kTsEditorModified | kTsEditorExtraState),
+              S_OK);
     EXPECT_EQ(w.undoClears, 1);
     EXPECT_GE(w.stateRefreshes, 1);
     std::uint32_t cookie = 0, state = 0xFF;
@@ -270,7 +274,8 @@ TEST(WindowInterface, HostEventsReachTheWindowThroughItsSink) {
     std::size_t sinksBefore = ts::AdvisedEventSinkCount();
     auto object = NewEditor<FullWindow>();
     ASSERT_EQ(As<ITsUIWindow>(object)->CreateUIWindow(nullptr), S_OK);
-    EXPECT_EQ(ts::AdvisedEventSinkCount(), sinksBefore + 1) << "the window advises its sink to the host";
+    EXPECT_EQ(ts::AdvisedEventSinkCount(), sinksBefore + 1)
+        << "the window advises its sink to the host";
     CTsComPtr<ITsEventSink> sink(object->GetWindow()->GetEventSink());
 
     auto resource = CTsComObject<FakeResource>::Create();

@@ -33,7 +33,9 @@ public:
         list = {{u"Neutral", 0}, {u"Angry", 1}};
         return succeed_;
     }
-    std::unique_ptr<CValueCacheKey> Clone() const override { return std::make_unique<CountingKey>(*this); }
+    std::unique_ptr<CValueCacheKey> Clone() const override {
+        return std::make_unique<CountingKey>(*this);
+    }
 
 private:
     int id_;
@@ -45,15 +47,20 @@ TEST(ValueCacheKeys, OrderByKindThenByEveryField) {
     C2daCacheKey appearance(u"appearance", u"MODELTREE");
     C2daCacheKey sameAgain(u"appearance", u"MODELTREE");
     C2daCacheKey otherColumn(u"appearance", u"MOVEMENTTREE");
-    C2daCacheKey withCondition(u"appearance", u"MODELTREE", {{u"SpecialStaging", variant(kTsTypeInt, 1)}});
-    C2daCacheKey withOtherCondition(u"appearance", u"MODELTREE", {{u"SpecialStaging", variant(kTsTypeInt, 2)}});
+    C2daCacheKey withCondition(u"appearance", u"MODELTREE",
+                               {{u"SpecialStaging", variant(kTsTypeInt, 1)}});
+    C2daCacheKey withOtherCondition(u"appearance", u"MODELTREE",
+                                    {{u"SpecialStaging", variant(kTsTypeInt, 2)}});
     C2daCacheKey withDefault(u"appearance", u"MODELTREE", {}, u"(none)");
     CDbResRefCacheKey scripts(2009), plots(2010);
 
-    auto equivalent = [](const CValueCacheKey& a, const CValueCacheKey& b) { return !a.Less(b) && !b.Less(a); };
+    auto equivalent = [](const CValueCacheKey& a, const CValueCacheKey& b) {
+        return !a.Less(b) && !b.Less(a);
+    };
     EXPECT_TRUE(equivalent(appearance, sameAgain));
-    const CValueCacheKey* distinct[] = {&appearance, &otherColumn, &withCondition, &withOtherCondition,
-                                        &withDefault, &scripts, &plots};
+    const CValueCacheKey* distinct[] = {
+        &appearance,  &otherColumn, &withCondition, &withOtherCondition,
+        &withDefault, &scripts,     &plots};
     for (auto* a : distinct) {
         for (auto* b : distinct) {
             if (a != b) {
@@ -135,16 +142,16 @@ TEST(PluginEvents, SevenEventsEmptyTheProcessCacheAndNoOthers) {
     CountingKey key(9, &reads);
     auto resource = CTsComObject<ts::test::FakeResource>::Create();
     using namespace ts::events;
-    for (TsAtom event : {Refresh(), RefreshNoArt(), RefreshOverride(), NewResource(), DeleteResource(),
-                         SetResourceProperties(), SaveResource()}) {
+    for (TsAtom event : {Refresh(), RefreshNoArt(), RefreshOverride(), NewResource(),
+                         DeleteResource(), SetResourceProperties(), SaveResource()}) {
         CValueCache::Process().TextPairs(key);
         ASSERT_TRUE(CValueCache::Process().Contains(key));
         EXPECT_EQ(editordlg::HandlePluginEvent(event, 0, 0, nullptr), S_OK);
         EXPECT_EQ(CValueCache::Process().Size(), 0u) << ts::Utf16ToUtf8(TsGetAtomName(event));
     }
     CValueCache::Process().TextPairs(key);
-    for (TsAtom event : {OptionsChange(), CheckoutResource(), ClosingEnvironment(), Error(), TsAddAtom(u"Unheard"),
-                         TsAtom(0)}) {
+    for (TsAtom event : {OptionsChange(), CheckoutResource(), ClosingEnvironment(), Error(),
+                         TsAddAtom(u"Unheard"), TsAtom(0)}) {
         EXPECT_EQ(editordlg::HandlePluginEvent(event, 1, 2, resource.Get()), S_OK);
         EXPECT_TRUE(CValueCache::Process().Contains(key)) << ts::Utf16ToUtf8(TsGetAtomName(event));
     }

@@ -34,7 +34,8 @@ TEST(MessageBox, DefaultAnswerIsTheDefaultButtonOfTheStyle) {
         {MB_YESNO | MB_DEFBUTTON3, IDYES},  // no third button: the first one
         {MB_OK | MB_DEFBUTTON2, IDOK},
     };
-    for (const auto& c : cases) EXPECT_EQ(ts::DefaultMessageBoxAnswer(c.style), c.answer) << std::hex << c.style;
+    for (const auto& c : cases)
+        EXPECT_EQ(ts::DefaultMessageBoxAnswer(c.style), c.answer) << std::hex << c.style;
 }
 
 TEST(MessageBox, GoesToTheInstalledUserInterface) {
@@ -43,8 +44,8 @@ TEST(MessageBox, GoesToTheInstalledUserInterface) {
     EXPECT_EQ(TsMessageBox(u"Delete the line and its voice-over?", u"Conversation Editor",
                            MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2),
               IDNO);
-    EXPECT_EQ(TsMessageBox(u"Line contains unmatched or malformed tags, please edit", u"Conversation Editor",
-                           MB_OK | MB_ICONERROR),
+    EXPECT_EQ(TsMessageBox(u"Line contains unmatched or malformed tags, please edit",
+                           u"Conversation Editor", MB_OK | MB_ICONERROR),
               IDOK);
     ASSERT_EQ(ui.shown().size(), 2u);
     EXPECT_EQ(ui.shown()[0].text, u"Delete the line and its voice-over?");
@@ -68,7 +69,9 @@ TEST(MessageBox, TheConsoleWritesTheMessageAndAnswersForTheUser) {
     auto console = ts::MakeConsoleHostUi(out);
     ts::HostUi* previous = ts::SetHostUi(console.get());
     EXPECT_EQ(TsMessageBox(u"The plugins folder is empty.", u"", MB_OK | MB_ICONWARNING), IDOK);
-    EXPECT_EQ(TsMessageBox(u"Regenerate the voice-over?", u"VoiceOver", MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2), IDNO);
+    EXPECT_EQ(TsMessageBox(u"Regenerate the voice-over?", u"VoiceOver",
+                           MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2),
+              IDNO);
     EXPECT_EQ(TsMessageBox(u"Ünïcode ✓", u"Caption", MB_OK | MB_ICONERROR), IDOK);
     ts::SetHostUi(previous);
 
@@ -103,7 +106,8 @@ TEST(Telemetry, AppendsOneLinePerRecord) {
 
 TEST(Telemetry, AFileThatCannotBeWrittenIsAFailure) {
     std::filesystem::remove(ts::TelemetryLogPath());
-    std::filesystem::create_directories(ts::TelemetryLogPath());  // a folder where the file should be
+    std::filesystem::create_directories(
+        ts::TelemetryLogPath());  // a folder where the file should be
     EXPECT_EQ(TsSendTelemetry(TsFourCC("EUTS"), TsFourCC("CCWC"), u"1"), E_FAIL);
     std::filesystem::remove(ts::TelemetryLogPath());
 }

@@ -68,7 +68,8 @@ CTsComPtr<I> As(const CTsComPtr<T>& object) {
 TEST_F(EditorObjects, ClassObjectLookupThroughTheEntryPoint) {
     TsDllGetClassObjectFn getClassObject = plugin_->GetClassObjectEntry();
     void* out = reinterpret_cast<void*>(0x1);
-    EXPECT_EQ(getClassObject(ts::Guid("{00AFAF9F-EBA6-4DD2-BE63-1B6C33076D03}"), IClassFactory::kIID, &out),
+    EXPECT_EQ(getClassObject(ts::Guid("{00AFAF9F-EBA6-4DD2-BE63-1B6C33076D03}"),
+                             IClassFactory::kIID, &out),
               static_cast<HRESULT>(0x80040111));
     EXPECT_EQ(out, nullptr);
     EXPECT_EQ(getClassObject(kEditorClass, IClassFactory::kIID, nullptr), E_POINTER);
@@ -81,7 +82,9 @@ TEST_F(EditorObjects, ClassObjectLookupThroughTheEntryPoint) {
     EXPECT_EQ(first.Get(), second.Get());
     EXPECT_NE(first.Get(), preview.Get());
     CTsComPtr<IClassFactory> viaLoader;
-    ASSERT_EQ(loader_.GetClassObject(u"ConversationEditor", IClassFactory::kIID, viaLoader.PutVoid()), S_OK);
+    ASSERT_EQ(
+        loader_.GetClassObject(u"ConversationEditor", IClassFactory::kIID, viaLoader.PutVoid()),
+        S_OK);
     EXPECT_EQ(viaLoader.Get(), first.Get());
 
     // A factory answers IUnknown and IClassFactory only.
@@ -90,20 +93,34 @@ TEST_F(EditorObjects, ClassObjectLookupThroughTheEntryPoint) {
     // Aggregation is refused and leaves the output empty.
     auto outer = CTsComObject<OtherPayload>::Create();
     out = reinterpret_cast<void*>(0x1);
-    EXPECT_EQ(first->CreateInstance(outer.Get(), ITsEditor::kIID, &out), static_cast<HRESULT>(0x80040110));
+    EXPECT_EQ(first->CreateInstance(outer.Get(), ITsEditor::kIID, &out),
+              static_cast<HRESULT>(0x80040110));
     EXPECT_EQ(out, nullptr);
     EXPECT_EQ(first->CreateInstance(nullptr, ITsEditor::kIID, nullptr), E_POINTER);
     EXPECT_EQ(first->CreateInstance(nullptr, IClassFactory::kIID, &out), E_NOINTERFACE);
 }
 
 TEST_F(EditorObjects, EveryEditorObjectAnswersTheTwentyInterfaces) {
-    const IID order[] = {ITsUIWindow::kIID,          ITsUICommandSource::kIID, ITsEditor::kIID,
-                         ITsExportSource::kIID,      ITsMarkerSource::kIID,    ITsFindReplaceSource::kIID,
-                         ITsHelpSource::kIID,        ITsOptionsSource::kIID,   ITsCurrentState::kIID,
-                         ITsUndoRedo::kIID,          ITsObjectInspectorSource::kIID, ITsIcon::kIID,
-                         ITsIdle::kIID,              ITsFindReplaceWindow::kIID, ITsResourceDiff::kIID,
-                         ITsEditorDetect::kIID,      ITsEditorExporter::kIID,  ITsPreview::kIID,
-                         ITsSoundPlayerSource::kIID, ITsConversationLinePreview::kIID};
+    const IID order[] = {ITsUIWindow::kIID,
+                         ITsUICommandSource::kIID,
+                         ITsEditor::kIID,
+                         ITsExportSource::kIID,
+                         ITsMarkerSource::kIID,
+                         ITsFindReplaceSource::kIID,
+                         ITsHelpSource::kIID,
+                         ITsOptionsSource::kIID,
+                         ITsCurrentState::kIID,
+                         ITsUndoRedo::kIID,
+                         ITsObjectInspectorSource::kIID,
+                         ITsIcon::kIID,
+                         ITsIdle::kIID,
+                         ITsFindReplaceWindow::kIID,
+                         ITsResourceDiff::kIID,
+                         ITsEditorDetect::kIID,
+                         ITsEditorExporter::kIID,
+                         ITsPreview::kIID,
+                         ITsSoundPlayerSource::kIID,
+                         ITsConversationLinePreview::kIID};
     for (auto pattern : {u"ConversationEditor", u"ConversationLinePreview"}) {
         auto object = Create<IUnknown>(pattern);
         ASSERT_TRUE(object);
@@ -142,7 +159,9 @@ TEST_F(EditorObjects, TheConversationEditorAsTheHostUsesIt) {
     ASSERT_EQ(window->CreateUIWindow(nullptr), S_OK);
     EXPECT_EQ(ts::AdvisedEventSinkCount(), sinksBefore + 1) << "the window listens to host events";
 
-    ASSERT_EQ(editor->Attach(0xC0FFEE, u"act1/intro_talk.dlg", kTsEditorModified | kTsEditorExtraState), S_OK);
+    ASSERT_EQ(
+        editor->Attach(0xC0FFEE, u"act1/intro_talk.dlg", kTsEditorModified | kTsEditorExtraState),
+        S_OK);
     std::uint32_t cookie = 0, state = 0xFF;
     CTsHostString text;
     ASSERT_EQ(editor->GetState(&cookie, text.Put(), &state), S_OK);
@@ -239,15 +258,17 @@ TEST_F(EditorObjects, EventsToAClosedEditorAreHarmless) {
     ASSERT_EQ(window->CreateUIWindow(nullptr), S_OK);
     ASSERT_EQ(ts::AdvisedEventSinkCount(), before);
 
-    for (TsAtom event : {ts::events::Refresh(), ts::events::RefreshNoArt(), ts::events::OptionsChange(),
-                         ts::events::ClosingEnvironment(), ts::events::SaveResource()}) {
+    for (TsAtom event :
+         {ts::events::Refresh(), ts::events::RefreshNoArt(), ts::events::OptionsChange(),
+          ts::events::ClosingEnvironment(), ts::events::SaveResource()}) {
         loader_.Broadcast(event, 0, 0, resource.Get());
         loader_.Broadcast(event, 1, 2, other.Get());
         loader_.Broadcast(event, 0, 0, nullptr);
     }
     ASSERT_EQ(window->CloseUIWindow(), S_OK);
     ASSERT_EQ(preview->CloseUIWindow(), S_OK);
-    for (TsAtom event : {ts::events::Refresh(), ts::events::OptionsChange(), ts::events::ClosingEnvironment()})
+    for (TsAtom event :
+         {ts::events::Refresh(), ts::events::OptionsChange(), ts::events::ClosingEnvironment()})
         loader_.Broadcast(event, 0, 0, resource.Get());
 
     // The objects released entirely; the library stays, and events still go to it.
@@ -261,8 +282,8 @@ TEST_F(EditorObjects, DllSendEventAlwaysSucceeds) {
     TsDllSendEventFn sendEvent = plugin_->SendEventEntry();
     auto resource = CTsComObject<FakeResource>::Create();
     auto other = CTsComObject<OtherPayload>::Create();
-    for (TsAtom event : {ts::events::Refresh(), ts::events::OptionsChange(), ts::events::SaveResource(),
-                         TsAddAtom(u"NoSuchEvent"), TsAtom(0)}) {
+    for (TsAtom event : {ts::events::Refresh(), ts::events::OptionsChange(),
+                         ts::events::SaveResource(), TsAddAtom(u"NoSuchEvent"), TsAtom(0)}) {
         EXPECT_EQ(sendEvent(event, 0, 0, nullptr), 0);
         EXPECT_EQ(sendEvent(event, 1, 2, resource.Get()), 0);
         EXPECT_EQ(sendEvent(event, 3, 4, other.Get()), 0);

@@ -8,7 +8,9 @@
 
 namespace ts::test {
 
-inline std::string EditorDlgLibrary() { return TS_EDITORDLG_LIBRARY; }
+inline std::string EditorDlgLibrary() {
+    return TS_EDITORDLG_LIBRARY;
+}
 inline std::string FixtureLibrary(const std::string& name) {
     return std::string(TS_PLUGIN_FIXTURE_DIR) + "/lib" + name + ".so";
 }
@@ -30,7 +32,8 @@ public:
     std::string Copy(const std::string& library, std::string asName = {}) {
         if (asName.empty()) asName = std::filesystem::path(library).filename().string();
         std::string target = path_ + "/" + asName;
-        std::filesystem::copy_file(library, target, std::filesystem::copy_options::overwrite_existing);
+        std::filesystem::copy_file(library, target,
+                                   std::filesystem::copy_options::overwrite_existing);
         return target;
     }
     // Writes a file with the given bytes.

@@ -26,12 +26,14 @@ std::set<std::string> ExportedSymbols(const std::string& path) {
     for (int i = 0; i < header->e_shnum; ++i) {
         if (sections[i].sh_type != SHT_DYNSYM) continue;
         const char* strings = file.data() + sections[sections[i].sh_link].sh_offset;
-        const auto* symbols = reinterpret_cast<const Elf64_Sym*>(file.data() + sections[i].sh_offset);
+        const auto* symbols =
+            reinterpret_cast<const Elf64_Sym*>(file.data() + sections[i].sh_offset);
         std::size_t count = sections[i].sh_size / sizeof(Elf64_Sym);
         for (std::size_t s = 1; s < count; ++s) {
             const auto& symbol = symbols[s];
             int binding = ELF64_ST_BIND(symbol.st_info);
-            if (symbol.st_shndx == SHN_UNDEF || (binding != STB_GLOBAL && binding != STB_WEAK)) continue;
+            if (symbol.st_shndx == SHN_UNDEF || (binding != STB_GLOBAL && binding != STB_WEAK))
+                continue;
             names.insert(strings + symbol.st_name);
         }
     }
@@ -50,6 +52,7 @@ TEST(PluginLibrary, CarriesItsDefinitionTextByteForByte) {
         << ts::Utf16ToUtf8(error);
     while (!text.empty() && text.back() == '\0') text.pop_back();
 
+    // clang-format off
     const std::string expected =
         "<pluginDefinitions>\r\n"
         "    <plugins>\r\n"
@@ -65,6 +68,7 @@ TEST(PluginLibrary, CarriesItsDefinitionTextByteForByte) {
         "        </plugin>\r\n"
         "    </plugins>\r\n"
         "</pluginDefinitions>\r\n";
+    // clang-format on
     EXPECT_EQ(text, expected);
 
     // Every line ends in CR LF, and each level is indented by four blanks more.
@@ -101,7 +105,8 @@ TEST(PluginLibrary, DefinitionNamesBothClassesWithTheirFlagsAndPatterns) {
     EXPECT_EQ(classes[1].description, u"Conversation Line Preview");
     EXPECT_EQ(classes[1].Attribute(u"tsPlugin.flags"), u"ToolWindow");
     EXPECT_EQ(classes[1].patterns, std::vector<std::u16string>{u"ConversationLinePreview"});
-    EXPECT_EQ(plugin.State(), ts::PluginState::Read) << "reading the definition does not load the library";
+    EXPECT_EQ(plugin.State(), ts::PluginState::Read)
+        << "reading the definition does not load the library";
 }
 
 }  // namespace

@@ -25,7 +25,8 @@ const ts::Plugin* Named(const ts::PluginLoader& loader, const std::string& file)
     return nullptr;
 }
 
-bool ReportMentions(const ReportCapture& reports, const std::string& file, const std::u16string& words) {
+bool ReportMentions(const ReportCapture& reports, const std::string& file,
+                    const std::u16string& words) {
     for (const auto& e : reports.entries())
         if (e.level == static_cast<int>(ReportLevel::Warning) &&
             e.message.find(ts::Utf8ToUtf16(file)) != std::u16string::npos &&
@@ -48,7 +49,8 @@ TEST(PluginLoader, ReportsAndSkipsEveryBrokenLibrary) {
 
     ReportCapture reports;
     ts::PluginLoader loader;
-    EXPECT_EQ(loader.Scan(folder.Path()), 3u) << "the editor, the good fixture and the one without DllSendEvent";
+    EXPECT_EQ(loader.Scan(folder.Path()), 3u)
+        << "the editor, the good fixture and the one without DllSendEvent";
     ASSERT_EQ(loader.Plugins().size(), 8u) << "every .so file is known, nothing else";
 
     struct Expectation {
@@ -61,7 +63,8 @@ TEST(PluginLoader, ReportsAndSkipsEveryBrokenLibrary) {
         {"libfixture_good.so", PluginState::Read, u""},
         {"libfixture_missing_entry.so", PluginState::Read, u""},
         {"libfixture_no_definition.so", PluginState::Found, u"no section .ts_plugin_def"},
-        {"libfixture_broken_xml.so", PluginState::Found, u"not well-formed XML: mismatched tag at line 4"},
+        {"libfixture_broken_xml.so", PluginState::Found,
+         u"not well-formed XML: mismatched tag at line 4"},
         {"libnotes.so", PluginState::Found, u"not an ELF library"},
         {"libempty.so", PluginState::Found, u"not an ELF library"},
         {"libtruncated.so", PluginState::Found, u"section table lies outside the file"},
@@ -85,7 +88,8 @@ TEST(PluginLoader, ReportsAndSkipsEveryBrokenLibrary) {
     const ts::Plugin* half = Named(loader, "libfixture_missing_entry.so");
     EXPECT_EQ(half->State(), PluginState::Read);
     EXPECT_NE(half->Error().find(u"does not export DllSendEvent"), std::u16string::npos);
-    EXPECT_TRUE(ReportMentions(reports, "libfixture_missing_entry.so", u"does not export DllSendEvent"));
+    EXPECT_TRUE(
+        ReportMentions(reports, "libfixture_missing_entry.so", u"does not export DllSendEvent"));
     EXPECT_EQ(Named(loader, "libEditorDlg.so")->State(), PluginState::Loaded);
 
     // Asking for its class does not try again: the failure stands, without another report.
@@ -97,7 +101,8 @@ TEST(PluginLoader, ReportsAndSkipsEveryBrokenLibrary) {
 
     // The good libraries still serve their classes.
     CTsComPtr<IClassFactory> factory;
-    EXPECT_EQ(loader.GetClassObject(u"ConversationEditor", IClassFactory::kIID, factory.PutVoid()), S_OK);
+    EXPECT_EQ(loader.GetClassObject(u"ConversationEditor", IClassFactory::kIID, factory.PutVoid()),
+              S_OK);
     EXPECT_TRUE(factory);
     factory.Reset();
     CTsComPtr<ITsUIWindow> tool;
@@ -137,13 +142,16 @@ TEST(PluginLoader, UnknownNamesAndClassesAreNotAvailable) {
     ts::PluginLoader loader;
     loader.Scan(folder.Path());
     void* out = reinterpret_cast<void*>(0x1);
-    EXPECT_EQ(loader.GetClassObject(u"StageEditor", IClassFactory::kIID, &out), CLASS_E_CLASSNOTAVAILABLE);
-    EXPECT_EQ(out, nullptr);
-    out = reinterpret_cast<void*>(0x1);
-    EXPECT_EQ(loader.CreateInstance(ts::Guid("{12345678-1234-1234-1234-123456789ABC}"), ITsUIWindow::kIID, &out),
+    EXPECT_EQ(loader.GetClassObject(u"StageEditor", IClassFactory::kIID, &out),
               CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(loader.GetClassObject(u"ConversationEditor", IClassFactory::kIID, nullptr), E_POINTER);
+    out = reinterpret_cast<void*>(0x1);
+    EXPECT_EQ(loader.CreateInstance(ts::Guid("{12345678-1234-1234-1234-123456789ABC}"),
+                                    ITsUIWindow::kIID, &out),
+              CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(loader.GetClassObject(u"ConversationEditor", IClassFactory::kIID, nullptr),
+              E_POINTER);
 }
 
 TEST(PluginLoader, AClassOfferedTwiceIsServedByTheFirstLibrary) {
@@ -171,7 +179,8 @@ TEST(PluginLoader, AMissingFolderIsReportedAndGivesNothing) {
     EXPECT_EQ(loader.Scan("/nonexistent/plugins/folder"), 0u);
     EXPECT_TRUE(loader.Plugins().empty());
     ASSERT_EQ(reports.size(), 1u);
-    EXPECT_NE(reports.entries()[0].message.find(u"/nonexistent/plugins/folder"), std::u16string::npos);
+    EXPECT_NE(reports.entries()[0].message.find(u"/nonexistent/plugins/folder"),
+              std::u16string::npos);
 }
 
 TEST(PluginLoader, BroadcastReachesEveryLoadedPluginAndTheAdvisedSinks) {
@@ -182,7 +191,8 @@ TEST(PluginLoader, BroadcastReachesEveryLoadedPluginAndTheAdvisedSinks) {
     loader.Scan(folder.Path());
 
     std::vector<std::u16string> heard;
-    int listener = ts::AddHostEventListener([&](const ts::HostEvent& e) { heard.push_back(e.text); });
+    int listener =
+        ts::AddHostEventListener([&](const ts::HostEvent& e) { heard.push_back(e.text); });
     // Nothing is loaded yet: a broadcast reaches no plugin.
     loader.Broadcast(ts::events::Refresh(), 0, 0, nullptr);
     EXPECT_TRUE(heard.empty());
@@ -191,7 +201,8 @@ TEST(PluginLoader, BroadcastReachesEveryLoadedPluginAndTheAdvisedSinks) {
     loader.Broadcast(ts::events::SaveResource(), 1, 2, nullptr);
     loader.Broadcast(ts::events::OptionsChange(), 0, 0, nullptr);
     ts::RemoveHostEventListener(listener);
-    EXPECT_EQ(heard, (std::vector<std::u16string>{u"fixture heard SaveResource", u"fixture heard OptionsChange"}));
+    EXPECT_EQ(heard, (std::vector<std::u16string>{u"fixture heard SaveResource",
+                                                  u"fixture heard OptionsChange"}));
 }
 
 }  // namespace

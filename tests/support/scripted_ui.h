@@ -26,7 +26,8 @@ public:
     void Answer(int answer) { answers_.push_back(answer); }
     const std::vector<Shown>& shown() const { return shown_; }
 
-    int MessageBox(std::u16string_view text, std::u16string_view caption, std::uint32_t style) override {
+    int MessageBox(std::u16string_view text, std::u16string_view caption,
+                   std::uint32_t style) override {
         shown_.push_back({std::u16string(text), std::u16string(caption), style});
         if (answers_.empty()) return DefaultMessageBoxAnswer(style);
         int answer = answers_.front();

@@ -20,7 +20,8 @@ public:
             std::size_t feed = rest.find(u'\n');
             std::u16string_view name = rest.substr(0, feed);
             if (!name.empty()) names.emplace_back(name);
-            rest = feed == std::u16string_view::npos ? std::u16string_view() : rest.substr(feed + 1);
+            rest =
+                feed == std::u16string_view::npos ? std::u16string_view() : rest.substr(feed + 1);
         }
         return names;
     }

@@ -37,7 +37,8 @@ public:
         });
     }
 
-    HRESULT Attach(std::uint32_t hostCookie, const char16_t* resourceName, std::uint32_t state) override {
+    HRESULT Attach(std::uint32_t hostCookie, const char16_t* resourceName,
+                   std::uint32_t state) override {
         return ts::ForwardToWindow(Self().GetWindow(), [&](W& w) -> HRESULT {
             if constexpr (requires { w.AttachResource(hostCookie, resourceName, state); })
                 return w.AttachResource(hostCookie, resourceName, state);
@@ -46,7 +47,8 @@ public:
         });
     }
 
-    HRESULT GetState(std::uint32_t* hostCookie, char16_t** resourceName, std::uint32_t* state) override {
+    HRESULT GetState(std::uint32_t* hostCookie, char16_t** resourceName,
+                     std::uint32_t* state) override {
         return ts::ForwardToWindow(Self().GetWindow(), [&](W& w) -> HRESULT {
             if constexpr (requires { w.GetEditorState(hostCookie, resourceName, state); })
                 return w.GetEditorState(hostCookie, resourceName, state);

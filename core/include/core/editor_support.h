@@ -15,20 +15,22 @@ template <class W>
 class CTsEditorSupport {
 public:
     // ITsEditor Attach: the state's modified and extra bits are the editor's own and are dropped.
-    HRESULT AttachResource(std::uint32_t hostCookie, const char16_t* resourceName, std::uint32_t state) {
+    HRESULT AttachResource(std::uint32_t hostCookie, const char16_t* resourceName,
+                           std::uint32_t state) {
         hostCookie_ = hostCookie;
         resourceName_ = resourceName ? resourceName : u"";
         baseState_ = state & ~(kTsEditorModified | kTsEditorExtraState);
         if (IsReadOnly()) {
             // A read-only editor has nothing to undo.
-            if constexpr (requires(W& w) { w.ClearUndoHistory(); }) Self().ClearUndoHistory();
+            if constexpr (requires(W & w) { w.ClearUndoHistory(); }) Self().ClearUndoHistory();
         }
         resourceId_ = TsResourceId::Parse(resourceName_);
         StateChanged();
         return S_OK;
     }
 
-    HRESULT GetEditorState(std::uint32_t* hostCookie, char16_t** resourceName, std::uint32_t* state) const {
+    HRESULT GetEditorState(std::uint32_t* hostCookie, char16_t** resourceName,
+                           std::uint32_t* state) const {
         if (hostCookie) *hostCookie = hostCookie_;
         if (resourceName) *resourceName = TsAllocString(resourceName_);
         if (state) *state = StateWord();
@@ -38,7 +40,8 @@ public:
     // The state word as the host sees it: what it attached with, plus 8 while modified and 32
     // while the extra state is set.
     std::uint32_t StateWord() const {
-        return baseState_ | (modified_ ? kTsEditorModified : 0u) | (extraState_ ? kTsEditorExtraState : 0u);
+        return baseState_ | (modified_ ? kTsEditorModified : 0u) |
+               (extraState_ ? kTsEditorExtraState : 0u);
     }
 
     void SetModified(bool modified) {
@@ -65,12 +68,14 @@ public:
     const std::u16string& ResourceName() const { return resourceName_; }
     const TsResourceId& ResourceId() const { return resourceId_; }
     // The name the user knows the resource by; the attached name when it can't be parsed.
-    std::u16string DisplayName() const { return resourceId_.IsValid() ? resourceId_.FileName() : resourceName_; }
+    std::u16string DisplayName() const {
+        return resourceId_.IsValid() ? resourceId_.FileName() : resourceName_;
+    }
 
 private:
     W& Self() { return static_cast<W&>(*this); }
     void StateChanged() {
-        if constexpr (requires(W& w) { w.RefreshStateDisplay(); }) Self().RefreshStateDisplay();
+        if constexpr (requires(W & w) { w.RefreshStateDisplay(); }) Self().RefreshStateDisplay();
     }
 
     std::uint32_t baseState_ = 0;

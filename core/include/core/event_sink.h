@@ -20,7 +20,8 @@ public:
     void SetReceiver(T* receiver) { receiver_ = receiver; }
     T* GetReceiver() const { return receiver_; }
 
-    HRESULT OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t param2, IUnknown* payload) override {
+    HRESULT OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t param2,
+                    IUnknown* payload) override {
         if (!receiver_) return S_OK;
         // Receivers see the payload as a resource, or nothing when it is something else.
         CTsComPtr<ITsResource> resource;
@@ -44,7 +45,8 @@ public:
         sink_->SetReceiver(receiver);
         if (FAILED(TsAdviseEventSink(sink_.Get(), &cookie_))) {
             cookie_ = 0;
-            Report(ReportLevel::Assert, "toolsmfcimpls", __LINE__, u"Unable to advise the event sink");
+            Report(ReportLevel::Assert, "toolsmfcimpls", __LINE__,
+                   u"Unable to advise the event sink");
         }
     }
     ~CTsEventSinkConnection() {

@@ -16,7 +16,8 @@ public:
     explicit CTsEditorLayoutSupport(bool dialogLike = false) : dialogLike_(dialogLike) {}
 
     std::u16string LayoutFile(TsLayoutFile which) const {
-        return which == TsLayoutFile::Default ? ts::DefaultLayoutFilePath() : ts::UserLayoutFilePath();
+        return which == TsLayoutFile::Default ? ts::DefaultLayoutFilePath()
+                                              : ts::UserLayoutFilePath();
     }
     std::u16string DefaultLayoutKey(std::u16string_view layoutName) const {
         return ts::DefaultLayoutProfileKey(dialogLike_, layoutName);

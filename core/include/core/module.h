@@ -46,10 +46,10 @@ struct CTsCreator {
     }
 };
 
-#define TS_OBJECT_ENTRY(clsid, T)                                                                 \
-    TsObjectMapEntry {                                                                            \
+#define TS_OBJECT_ENTRY(clsid, T)                                                                  \
+    TsObjectMapEntry {                                                                             \
         &(clsid), &TsUpdateRegistryNothing, &TsCreateClassFactory, &CTsCreator<T>::CreateInstance, \
-            nullptr, 0, &TsNoObjectDescription                                                    \
+            nullptr, 0, &TsNoObjectDescription                                                     \
     }
 
 // The module object of a plugin library: its class-object table, the critical section that

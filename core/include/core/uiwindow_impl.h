@@ -24,7 +24,8 @@ public:
             if (!path) return E_POINTER;
             *path = nullptr;
             if constexpr (requires { w.LayoutFile(which); }) {
-                if (which != TsLayoutFile::Default && which != TsLayoutFile::User) return E_INVALIDARG;
+                if (which != TsLayoutFile::Default && which != TsLayoutFile::User)
+                    return E_INVALIDARG;
                 *path = TsAllocString(w.LayoutFile(which));
                 return S_OK;
             } else {

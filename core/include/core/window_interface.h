@@ -43,6 +43,7 @@ class CTsWindowInterface : public CTsUIWindowImpl<CTsWindowInterface<W>, W>,
 public:
     using Window = W;
 
+    // clang-format off
     static constexpr std::array<IID, 20> kInterfaceOrder = {
         ITsUIWindow::kIID,         ITsUICommandSource::kIID,   ITsEditor::kIID,
         ITsExportSource::kIID,     ITsMarkerSource::kIID,      ITsFindReplaceSource::kIID,
@@ -51,6 +52,7 @@ public:
         ITsIdle::kIID,             ITsFindReplaceWindow::kIID, ITsResourceDiff::kIID,
         ITsEditorDetect::kIID,     ITsEditorExporter::kIID,    ITsPreview::kIID,
         ITsSoundPlayerSource::kIID, ITsConversationLinePreview::kIID};
+    // clang-format on
 
     CTsWindowInterface() = default;
     ~CTsWindowInterface() { window_.reset(); }
@@ -78,7 +80,7 @@ public:
 
     // An event from the window's sink: handed to the window while it exists.
     void OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t param2, ITsResource* resource) {
-        if constexpr (requires(W& w) { w.OnEvent(event, param1, param2, resource); }) {
+        if constexpr (requires(W & w) { w.OnEvent(event, param1, param2, resource); }) {
             if (window_) window_->OnEvent(event, param1, param2, resource);
         }
     }

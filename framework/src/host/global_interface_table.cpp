@@ -10,7 +10,8 @@ namespace {
 
 class GlobalInterfaceTable : public CTsComObjectRoot<IGlobalInterfaceTable> {
 public:
-    HRESULT RegisterInterfaceInGlobal(IUnknown* object, REFIID iid, std::uint32_t* cookie) override {
+    HRESULT RegisterInterfaceInGlobal(IUnknown* object, REFIID iid,
+                                      std::uint32_t* cookie) override {
         if (!object || !cookie) return E_POINTER;
         // Only an object that really offers the interface may be registered under it.
         CTsComPtr<IUnknown> offered;

@@ -37,7 +37,8 @@ public:
     HRESULT SendEvent(TsAtom event, std::uint32_t flags, const char16_t* text,
                       IUnknown* payload) override {
         if (event == 0) return E_INVALIDARG;
-        ts::HostEvent e{event, flags, text ? std::u16string(text, TsStringLength(text)) : std::u16string(),
+        ts::HostEvent e{event, flags,
+                        text ? std::u16string(text, TsStringLength(text)) : std::u16string(),
                         payload};
         std::vector<ts::HostEventListener> copy;
         {

@@ -23,32 +23,44 @@ struct ButtonSet {
 
 ButtonSet ButtonsOf(std::uint32_t style) {
     switch (style & kTsMessageBoxButtons) {
-        case MB_OKCANCEL: return {{IDOK, IDCANCEL, 0}, 2};
-        case MB_YESNOCANCEL: return {{IDYES, IDNO, IDCANCEL}, 3};
-        case MB_YESNO: return {{IDYES, IDNO, 0}, 2};
-        default: return {{IDOK, 0, 0}, 1};
+        case MB_OKCANCEL:
+            return {{IDOK, IDCANCEL, 0}, 2};
+        case MB_YESNOCANCEL:
+            return {{IDYES, IDNO, IDCANCEL}, 3};
+        case MB_YESNO:
+            return {{IDYES, IDNO, 0}, 2};
+        default:
+            return {{IDOK, 0, 0}, 1};
     }
 }
 
 const char* KindOf(std::uint32_t style) {
     switch (style & kTsMessageBoxIcon) {
-        case MB_ICONERROR: return "Error";
-        case MB_ICONWARNING: return "Warning";
-        case MB_ICONQUESTION: return "Question";
-        default: return "Message";
+        case MB_ICONERROR:
+            return "Error";
+        case MB_ICONWARNING:
+            return "Warning";
+        case MB_ICONQUESTION:
+            return "Question";
+        default:
+            return "Message";
     }
 }
 
 class ConsoleUi : public ts::HostUi {
 public:
     explicit ConsoleUi(std::FILE* out) : out_(out) {}
-    int MessageBox(std::u16string_view text, std::u16string_view caption, std::uint32_t style) override {
+    int MessageBox(std::u16string_view text, std::u16string_view caption,
+                   std::uint32_t style) override {
         int answer = ts::DefaultMessageBoxAnswer(style);
         std::string line = std::string(KindOf(style)) + ": ";
         if (!caption.empty()) line += ts::Utf16ToUtf8(caption) + ": ";
         line += ts::Utf16ToUtf8(text);
-        if (ButtonsOf(style).count > 1) line += answer == IDYES ? " [Yes]" : answer == IDNO ? " [No]"
-                                               : answer == IDCANCEL ? " [Cancel]" : " [OK]";
+        if (ButtonsOf(style).count > 1)
+            line += answer == IDYES      ? " [Yes]"
+                    : answer == IDNO     ? " [No]"
+                    : answer == IDCANCEL ? " [Cancel]"
+                                         : " [OK]";
         line += '\n';
         std::fputs(line.c_str(), out_);
         std::fflush(out_);
@@ -70,9 +82,13 @@ int TsMessageBox(std::u16string_view text, std::u16string_view caption, std::uin
 
 namespace ts {
 
-HostUi* SetHostUi(HostUi* ui) { return Installed().exchange(ui); }
+HostUi* SetHostUi(HostUi* ui) {
+    return Installed().exchange(ui);
+}
 
-HostUi* CurrentHostUi() { return Installed().load(); }
+HostUi* CurrentHostUi() {
+    return Installed().load();
+}
 
 int DefaultMessageBoxAnswer(std::uint32_t style) {
     ButtonSet buttons = ButtonsOf(style);
@@ -82,6 +98,8 @@ int DefaultMessageBoxAnswer(std::uint32_t style) {
     return index < buttons.count ? buttons.answers[index] : buttons.answers[0];
 }
 
-std::unique_ptr<HostUi> MakeConsoleHostUi(std::FILE* out) { return std::make_unique<ConsoleUi>(out); }
+std::unique_ptr<HostUi> MakeConsoleHostUi(std::FILE* out) {
+    return std::make_unique<ConsoleUi>(out);
+}
 
 }  // namespace ts

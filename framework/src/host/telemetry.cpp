@@ -16,8 +16,8 @@ std::string TimeStamp() {
     std::tm tm{};
     localtime_r(&t, &tm);
     char buf[64];
-    std::snprintf(buf, sizeof buf, "%04d-%02d-%02d %02d:%02d:%02d", tm.tm_year + 1900, tm.tm_mon + 1,
-                  tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec);
+    std::snprintf(buf, sizeof buf, "%04d-%02d-%02d %02d:%02d:%02d", tm.tm_year + 1900,
+                  tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec);
     return buf;
 }
 
@@ -43,7 +43,9 @@ HRESULT TsSendTelemetry(std::uint32_t category, std::uint32_t item, std::u16stri
 
 namespace ts {
 
-std::string TelemetryLogPath() { return ToolsetDataFolder() + "/telemetry.log"; }
+std::string TelemetryLogPath() {
+    return ToolsetDataFolder() + "/telemetry.log";
+}
 
 std::string FourCCText(std::uint32_t code) {
     std::string text(4, '?');

@@ -54,7 +54,8 @@ private:
 };
 
 template <class Elf>
-bool ReadSection(ElfFile& file, std::string_view wanted, std::string& bytes, std::u16string& error) {
+bool ReadSection(ElfFile& file, std::string_view wanted, std::string& bytes,
+                 std::u16string& error) {
     typename Elf::Ehdr header;
     if (!file.Read(0, &header, sizeof header)) {
         error = u"the file is too short for an ELF header";
@@ -130,7 +131,8 @@ bool ReadElfSection(const std::string& path, std::string_view section, std::stri
         error = u"the file is not an ELF library";
         return false;
     }
-    constexpr unsigned char kNativeOrder = std::endian::native == std::endian::little ? ELFDATA2LSB : ELFDATA2MSB;
+    constexpr unsigned char kNativeOrder =
+        std::endian::native == std::endian::little ? ELFDATA2LSB : ELFDATA2MSB;
     if (ident[EI_DATA] != kNativeOrder) {
         error = u"the library is built for another byte order";
         return false;

@@ -28,7 +28,8 @@ public:
         parser_ = parser;
         XML_SetUserData(parser, this);
         XML_SetElementHandler(parser, &DefinitionReader::Start, &DefinitionReader::End);
-        bool ok = XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), XML_TRUE) == XML_STATUS_OK;
+        bool ok =
+            XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), XML_TRUE) == XML_STATUS_OK;
         if (!ok && error_.empty()) {
             error_ = Format(u"the plugin definition is not well-formed XML: %s at line %lu",
                             XML_ErrorString(XML_GetErrorCode(parser)),
@@ -47,7 +48,9 @@ private:
     static void Start(void* self, const XML_Char* name, const XML_Char** attributes) {
         static_cast<DefinitionReader*>(self)->OnStart(name, attributes);
     }
-    static void End(void* self, const XML_Char* name) { static_cast<DefinitionReader*>(self)->OnEnd(name); }
+    static void End(void* self, const XML_Char* name) {
+        static_cast<DefinitionReader*>(self)->OnEnd(name);
+    }
 
     void Fail(std::u16string message) {
         if (error_.empty()) error_ = std::move(message);
@@ -57,7 +60,9 @@ private:
     void OnStart(std::string_view name, const XML_Char** attributes) {
         path_.emplace_back(name);
         if (path_.size() == 1 && name != "pluginDefinitions") {
-            return Fail(Format(u"the plugin definition's root element is \"%s\", not \"pluginDefinitions\"", name));
+            return Fail(
+                Format(u"the plugin definition's root element is \"%s\", not \"pluginDefinitions\"",
+                       name));
         }
         if (path_.size() == 3 && path_[1] == "plugins" && name == "plugin") {
             current_ = PluginClassInfo{};
@@ -90,7 +95,8 @@ private:
         auto clsid = current_.Attribute(u"clsid");
         if (!clsid) return Fail(Format(u"plugin class %lu of the definition has no clsid", number));
         auto parsed = ParseGuid(Utf16ToUtf8(*clsid));
-        if (!parsed) return Fail(Format(u"plugin class %lu has a malformed clsid \"%ls\"", number, *clsid));
+        if (!parsed)
+            return Fail(Format(u"plugin class %lu has a malformed clsid \"%ls\"", number, *clsid));
         for (const auto& other : definition_.classes)
             if (other.clsid == *parsed)
                 return Fail(Format(u"the clsid %ls is defined twice", *clsid));
@@ -145,7 +151,8 @@ bool PluginClassInfo::MatchesPattern(std::u16string_view name) const {
     return false;
 }
 
-bool ParsePluginDefinition(std::string_view xml, PluginDefinition& definition, std::u16string& error) {
+bool ParsePluginDefinition(std::string_view xml, PluginDefinition& definition,
+                           std::u16string& error) {
     definition = PluginDefinition{};
     error.clear();
     // The section may be padded with zeros after the text.

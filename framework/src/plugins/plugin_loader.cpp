@@ -22,18 +22,25 @@ constexpr const char* kSource = "pluginloader";
 
 const char* PluginStateName(PluginState state) {
     switch (state) {
-        case PluginState::Found: return "found";
-        case PluginState::Read: return "read";
-        case PluginState::Loaded: return "loaded";
+        case PluginState::Found:
+            return "found";
+        case PluginState::Read:
+            return "read";
+        case PluginState::Loaded:
+            return "loaded";
     }
     return "unknown";
 }
 
 Plugin::Plugin(std::string path) : path_(std::move(path)) {}
 
-Plugin::~Plugin() { Unload(); }
+Plugin::~Plugin() {
+    Unload();
+}
 
-std::string Plugin::FileName() const { return std::filesystem::path(path_).filename().string(); }
+std::string Plugin::FileName() const {
+    return std::filesystem::path(path_).filename().string();
+}
 
 const PluginClassInfo* Plugin::FindClass(REFCLSID clsid) const {
     for (const auto& c : definition_.classes)
@@ -51,7 +58,8 @@ bool Plugin::Fail(std::u16string message) {
 bool Plugin::Read() {
     if (state_ != PluginState::Found) return !HasError();
     std::u16string error;
-    if (!ReadElfSection(path_, kTsPluginDefinitionSection, definitionText_, error)) return Fail(error);
+    if (!ReadElfSection(path_, kTsPluginDefinitionSection, definitionText_, error))
+        return Fail(error);
     if (!ParsePluginDefinition(definitionText_, definition_, error)) return Fail(error);
     error_.clear();
     state_ = PluginState::Read;
@@ -68,13 +76,14 @@ bool Plugin::Load() {
         const char* why = dlerror();
         return Fail(Format(u"the library cannot be loaded: %s", why ? why : "unknown error"));
     }
-    auto getClassObject = reinterpret_cast<TsDllGetClassObjectFn>(dlsym(handle_, kTsDllGetClassObjectName));
+    auto getClassObject =
+        reinterpret_cast<TsDllGetClassObjectFn>(dlsym(handle_, kTsDllGetClassObjectName));
     auto sendEvent = reinterpret_cast<TsDllSendEventFn>(dlsym(handle_, kTsDllSendEventName));
     if (!getClassObject || !sendEvent) {
         dlclose(handle_);
         handle_ = nullptr;
-        return Fail(Format(u"the library does not export %s", !getClassObject ? kTsDllGetClassObjectName
-                                                                              : kTsDllSendEventName));
+        return Fail(Format(u"the library does not export %s",
+                           !getClassObject ? kTsDllGetClassObjectName : kTsDllSendEventName));
     }
     getClassObject_ = getClassObject;
     sendEvent_ = sendEvent;
@@ -92,7 +101,9 @@ void Plugin::Unload() {
     state_ = PluginState::Read;
 }
 
-PluginLoader::PluginLoader() { detail::RegisterLoader(this); }
+PluginLoader::PluginLoader() {
+    detail::RegisterLoader(this);
+}
 
 PluginLoader::~PluginLoader() {
     detail::UnregisterLoader(this);
@@ -102,9 +113,11 @@ PluginLoader::~PluginLoader() {
 std::size_t PluginLoader::Scan(const std::string& folder) {
     std::error_code ec;
     std::vector<std::string> files;
-    for (std::filesystem::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+    for (std::filesystem::directory_iterator it(folder, ec), end; !ec && it != end;
+         it.increment(ec)) {
         std::error_code typeError;
-        if (it->path().extension() == ".so" && it->is_regular_file(typeError)) files.push_back(it->path().string());
+        if (it->path().extension() == ".so" && it->is_regular_file(typeError))
+            files.push_back(it->path().string());
     }
     if (ec) {
         Report(ReportLevel::Warning, kSource, __LINE__,
@@ -125,7 +138,8 @@ Plugin& PluginLoader::Add(const std::string& path) {
         Plugin* owner = FindPlugin(c.clsid);
         if (owner != &plugin)
             Report(ReportLevel::Warning, kSource, __LINE__,
-                   Format(u"Plugin \"%s\" defines the class %ls, which \"%s\" already offers; the first is used",
+                   Format(u"Plugin \"%s\" defines the class %ls, which \"%s\" already offers; the "
+                          u"first is used",
                           plugin.FileName(), c.clsidText, owner->FileName()));
     }
     return plugin;
@@ -133,11 +147,15 @@ Plugin& PluginLoader::Add(const std::string& path) {
 
 std::size_t PluginLoader::LoadAll() {
     std::size_t loaded = 0;
-    for (auto& plugin : plugins_) loaded += plugin->State() == PluginState::Read ? Load(*plugin) : plugin->State() == PluginState::Loaded;
+    for (auto& plugin : plugins_)
+        loaded += plugin->State() == PluginState::Read ? Load(*plugin)
+                                                       : plugin->State() == PluginState::Loaded;
     return loaded;
 }
 
-bool PluginLoader::Load(Plugin& plugin) { return plugin.Load(); }
+bool PluginLoader::Load(Plugin& plugin) {
+    return plugin.Load();
+}
 
 void PluginLoader::UnloadAll() {
     for (auto it = plugins_.rbegin(); it != plugins_.rend(); ++it) (*it)->Unload();
@@ -183,7 +201,8 @@ HRESULT PluginLoader::CreateInstance(REFCLSID clsid, REFIID iid, void** object) 
     if (!object) return E_POINTER;
     *object = nullptr;
     CTsComPtr<IClassFactory> factory;
-    if (HRESULT hr = GetClassObject(clsid, IClassFactory::kIID, factory.PutVoid()); FAILED(hr)) return hr;
+    if (HRESULT hr = GetClassObject(clsid, IClassFactory::kIID, factory.PutVoid()); FAILED(hr))
+        return hr;
     if (!factory) return CLASS_E_CLASSNOTAVAILABLE;
     return factory->CreateInstance(nullptr, iid, object);
 }
@@ -195,9 +214,11 @@ HRESULT PluginLoader::CreateInstance(std::u16string_view pattern, REFIID iid, vo
     return info ? CreateInstance(info->clsid, iid, object) : CLASS_E_CLASSNOTAVAILABLE;
 }
 
-void PluginLoader::Broadcast(TsAtom event, std::uint32_t param1, std::uint32_t param2, IUnknown* payload) {
+void PluginLoader::Broadcast(TsAtom event, std::uint32_t param1, std::uint32_t param2,
+                             IUnknown* payload) {
     for (const auto& plugin : plugins_)
-        if (plugin->State() == PluginState::Loaded) plugin->SendEventEntry()(event, param1, param2, payload);
+        if (plugin->State() == PluginState::Loaded)
+            plugin->SendEventEntry()(event, param1, param2, payload);
     BroadcastToEventSinks(event, param1, param2, payload);
 }
 

@@ -28,13 +28,21 @@ HRESULT CConversationEditorWnd::EnumerateResourceTypes(std::int32_t which, ITsSt
     return CTsStringEnum::Create(std::move(names), types);
 }
 
-HRESULT CConversationEditorWnd::LoadResource(IUnknown*) { return E_NOTIMPL; }
+HRESULT CConversationEditorWnd::LoadResource(IUnknown*) {
+    return E_NOTIMPL;
+}
 
-HRESULT CConversationEditorWnd::GetContent(IUnknown*) { return E_NOTIMPL; }
+HRESULT CConversationEditorWnd::GetContent(IUnknown*) {
+    return E_NOTIMPL;
+}
 
-HRESULT CConversationEditorWnd::SaveResource(std::uint32_t) { return E_NOTIMPL; }
+HRESULT CConversationEditorWnd::SaveResource(std::uint32_t) {
+    return E_NOTIMPL;
+}
 
-HRESULT CConversationEditorWnd::ReportWordCount() { return E_NOTIMPL; }
+HRESULT CConversationEditorWnd::ReportWordCount() {
+    return E_NOTIMPL;
+}
 
 void CConversationEditorWnd::SendWordCount(std::int32_t count) {
     if (FAILED(TsSendTelemetry(kTelemetryCategory, kTelemetryWordCount, ts::Format(u"%d", count))))
@@ -51,5 +59,6 @@ void CConversationEditorWnd::RefreshStateDisplay() {
 void CConversationEditorWnd::OnEvent(TsAtom event, std::uint32_t, std::uint32_t, ITsResource*) {
     // The tree's labels and reference caches follow "Refresh" once the window holds the tree;
     // the caption is refreshed already.
-    if (event == ts::events::Refresh() || event == ts::events::RefreshNoArt()) RefreshStateDisplay();
+    if (event == ts::events::Refresh() || event == ts::events::RefreshNoArt())
+        RefreshStateDisplay();
 }

@@ -32,7 +32,8 @@ public:
     static constexpr std::u16string_view kWindowSplitter = u"WindowSplitter";
     static constexpr std::u16string_view kTextSplitter = u"TextSplitter";
 
-    CConversationEditorWnd(CTsWindowInterface<CConversationEditorWnd>& owner, TsWindowHandle parent);
+    CConversationEditorWnd(CTsWindowInterface<CConversationEditorWnd>& owner,
+                           TsWindowHandle parent);
 
     TsWindowHandle Parent() const { return parent_; }
     ITsEventSink* GetEventSink() const { return events_.GetSink(); }

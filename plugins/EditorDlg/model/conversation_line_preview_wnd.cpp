@@ -2,6 +2,8 @@
 
 CConversationLinePreviewWnd::CConversationLinePreviewWnd(
     CTsWindowInterface<CConversationLinePreviewWnd>& owner, TsWindowHandle parent)
-    : CTsUICommandSourceSupport(std::u16string(kCommandSourceName), u""), parent_(parent), events_(&owner) {
+    : CTsUICommandSourceSupport(std::u16string(kCommandSourceName), u""),
+      parent_(parent),
+      events_(&owner) {
     SetCaption(u"Conversation Line Preview");
 }

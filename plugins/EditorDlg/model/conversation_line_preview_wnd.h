@@ -19,7 +19,8 @@ public:
     static constexpr CLSID kClassId = ts::Guid("{6E3D0619-3A01-4d28-A05A-62CED6F22A73}");
     static constexpr std::u16string_view kCommandSourceName = u"DLGPreview";
 
-    CConversationLinePreviewWnd(CTsWindowInterface<CConversationLinePreviewWnd>& owner, TsWindowHandle parent);
+    CConversationLinePreviewWnd(CTsWindowInterface<CConversationLinePreviewWnd>& owner,
+                                TsWindowHandle parent);
 
     TsWindowHandle Parent() const { return parent_; }
     ITsEventSink* GetEventSink() const { return events_.GetSink(); }

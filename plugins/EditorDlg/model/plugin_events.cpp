@@ -10,8 +10,8 @@ namespace editordlg {
 bool IsValueCacheFlushEvent(TsAtom event) {
     using namespace ts::events;
     return event == Refresh() || event == RefreshNoArt() || event == RefreshOverride() ||
-           event == NewResource() || event == DeleteResource() || event == SetResourceProperties() ||
-           event == SaveResource();
+           event == NewResource() || event == DeleteResource() ||
+           event == SetResourceProperties() || event == SaveResource();
 }
 
 HRESULT HandlePluginEvent(TsAtom event, std::uint32_t, std::uint32_t, IUnknown* payload) {

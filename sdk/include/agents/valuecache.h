@@ -32,7 +32,9 @@ public:
     virtual bool TextValueEquals(std::u16string_view stored, std::u16string_view given) const {
         return stored == given;
     }
-    virtual bool NumberValueEquals(std::int32_t stored, std::int32_t given) const { return stored == given; }
+    virtual bool NumberValueEquals(std::int32_t stored, std::int32_t given) const {
+        return stored == given;
+    }
 
     // The atom of the key class's name.
     TsAtom Kind() const { return kind_; }
@@ -57,8 +59,8 @@ struct TsRowCondition {
 // cell's text and the row's number.
 class C2daCacheKey : public CValueCacheKey {
 public:
-    C2daCacheKey(std::u16string table, std::u16string column, std::vector<TsRowCondition> rowConditions = {},
-                 std::u16string defaultText = {});
+    C2daCacheKey(std::u16string table, std::u16string column,
+                 std::vector<TsRowCondition> rowConditions = {}, std::u16string defaultText = {});
 
     bool Less(const CValueCacheKey& other) const override;
     bool LoadTextPairs(TsTextPairs& list) const override;

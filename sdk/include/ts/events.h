@@ -6,17 +6,30 @@
 
 // The named events between the host and its plugins. Inside the process an event is the atom of
 // its name: each atom is made once, on first use, and events are compared by atom only.
-#define TS_HOST_EVENT_NAMES(X)                                                             \
-    X(Refresh) X(RefreshNoArt) X(RefreshOverride) X(NewResource) X(DeleteResource)         \
-    X(SetResourceProperties) X(SaveResource) X(CheckoutResource) X(OptionsChange)          \
-    X(ClosingEnvironment) X(Error) X(UserInteraction) X(SearchResult) X(ClearSearchResults)
+// clang-format off
+#define TS_HOST_EVENT_NAMES(X) \
+    X(Refresh)                 \
+    X(RefreshNoArt)            \
+    X(RefreshOverride)         \
+    X(NewResource)             \
+    X(DeleteResource)          \
+    X(SetResourceProperties)   \
+    X(SaveResource)            \
+    X(CheckoutResource)        \
+    X(OptionsChange)           \
+    X(ClosingEnvironment)      \
+    X(Error)                   \
+    X(UserInteraction)         \
+    X(SearchResult)            \
+    X(ClearSearchResults)
+// clang-format on
 
 namespace ts::events {
 
-#define TS_DEFINE_EVENT_ATOM(name)                                \
-    inline TsAtom name() {                                        \
-        static const TsAtom atom = TsAddAtom(u"" #name);          \
-        return atom;                                              \
+#define TS_DEFINE_EVENT_ATOM(name)                       \
+    inline TsAtom name() {                               \
+        static const TsAtom atom = TsAddAtom(u"" #name); \
+        return atom;                                     \
     }
 TS_HOST_EVENT_NAMES(TS_DEFINE_EVENT_ATOM)
 #undef TS_DEFINE_EVENT_ATOM

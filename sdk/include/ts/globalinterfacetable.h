@@ -14,7 +14,8 @@ struct IGlobalInterfaceTable : IUnknown {
     virtual HRESULT RegisterInterfaceInGlobal(IUnknown* object, REFIID iid,
                                               std::uint32_t* cookie) = 0;
     virtual HRESULT RevokeInterfaceFromGlobal(std::uint32_t cookie) = 0;
-    // A new reference to the registered object's interface `iid`; E_INVALIDARG for an unknown cookie.
+    // A new reference to the registered object's interface `iid`; E_INVALIDARG for an unknown
+    // cookie.
     virtual HRESULT GetInterfaceFromGlobal(std::uint32_t cookie, REFIID iid, void** object) = 0;
 
 protected:

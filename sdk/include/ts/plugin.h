@@ -27,4 +27,5 @@ inline constexpr const char* kTsPluginDefinitionSection = ".ts_plugin_def";
 // "threadingModel", or a path below the plugin element such as "tsPlugin.flags". S_OK and the
 // value (newly allocated); S_FALSE and null when the class has no such attribute;
 // CLASS_E_CLASSNOTAVAILABLE when no plugin read by the host defines the class.
-TS_API HRESULT TsGetPluginAttribute(REFCLSID clsid, std::u16string_view attribute, char16_t** value);
+TS_API HRESULT TsGetPluginAttribute(REFCLSID clsid, std::u16string_view attribute,
+                                    char16_t** value);

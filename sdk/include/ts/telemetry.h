@@ -9,14 +9,16 @@
 
 // A four-character code such as "EUTS", first character in the high byte.
 constexpr std::uint32_t TsFourCC(const char (&code)[5]) {
-    return (std::uint32_t(std::uint8_t(code[0])) << 24) | (std::uint32_t(std::uint8_t(code[1])) << 16) |
+    return (std::uint32_t(std::uint8_t(code[0])) << 24) |
+           (std::uint32_t(std::uint8_t(code[1])) << 16) |
            (std::uint32_t(std::uint8_t(code[2])) << 8) | std::uint32_t(std::uint8_t(code[3]));
 }
 
 // Records one usage figure (category and item are four-character codes). Telemetry stays on
 // this machine: each record is appended to a file in the toolset's data folder. E_FAIL when the
 // file can't be written.
-TS_API HRESULT TsSendTelemetry(std::uint32_t category, std::uint32_t item, std::u16string_view value);
+TS_API HRESULT TsSendTelemetry(std::uint32_t category, std::uint32_t item,
+                               std::u16string_view value);
 
 namespace ts {
 

@@ -11,10 +11,14 @@ namespace {
 bool ValueLess(const variant& a, const variant& b) {
     if (a.type() != b.type()) return a.type() < b.type();
     switch (a.type()) {
-        case kTsTypeInt: return a.GetInt() < b.GetInt();
-        case kTsTypeString: return a.GetString() < b.GetString();
-        case kTsTypeBool: return a.GetBool() < b.GetBool();
-        default: return false;
+        case kTsTypeInt:
+            return a.GetInt() < b.GetInt();
+        case kTsTypeString:
+            return a.GetString() < b.GetString();
+        case kTsTypeBool:
+            return a.GetBool() < b.GetBool();
+        default:
+            return false;
     }
 }
 
@@ -28,8 +32,8 @@ bool ConditionsLess(const std::vector<TsRowCondition>& a, const std::vector<TsRo
 
 }  // namespace
 
-C2daCacheKey::C2daCacheKey(std::u16string table, std::u16string column, std::vector<TsRowCondition> rowConditions,
-                           std::u16string defaultText)
+C2daCacheKey::C2daCacheKey(std::u16string table, std::u16string column,
+                           std::vector<TsRowCondition> rowConditions, std::u16string defaultText)
     : CValueCacheKey(u"C2daCacheKey"),
       table_(std::move(table)),
       column_(std::move(column)),
@@ -66,7 +70,9 @@ bool C2daCacheKey::LoadNumberedTexts(TsNumberedTexts&) const {
     return false;
 }
 
-std::unique_ptr<CValueCacheKey> C2daCacheKey::Clone() const { return std::make_unique<C2daCacheKey>(*this); }
+std::unique_ptr<CValueCacheKey> C2daCacheKey::Clone() const {
+    return std::make_unique<C2daCacheKey>(*this);
+}
 
 CDbResRefCacheKey::CDbResRefCacheKey(std::uint16_t resourceType)
     : CValueCacheKey(u"CDbResRefCacheKey"), resourceType_(resourceType) {}
@@ -87,7 +93,9 @@ bool CDbResRefCacheKey::LoadNumberedTexts(TsNumberedTexts&) const {
     return false;
 }
 
-std::unique_ptr<CValueCacheKey> CDbResRefCacheKey::Clone() const { return std::make_unique<CDbResRefCacheKey>(*this); }
+std::unique_ptr<CValueCacheKey> CDbResRefCacheKey::Clone() const {
+    return std::make_unique<CDbResRefCacheKey>(*this);
+}
 
 CValueCache& CValueCache::Process() {
     static CValueCache cache;
@@ -96,11 +104,14 @@ CValueCache& CValueCache::Process() {
 
 CValueCacheEntry& CValueCache::Entry(const CValueCacheKey& key) {
     auto it = entries_.find(key);
-    if (it == entries_.end()) it = entries_.emplace(key.Clone(), std::make_unique<CValueCacheEntry>()).first;
+    if (it == entries_.end())
+        it = entries_.emplace(key.Clone(), std::make_unique<CValueCacheEntry>()).first;
     return *it->second;
 }
 
-bool CValueCache::Contains(const CValueCacheKey& key) const { return entries_.find(key) != entries_.end(); }
+bool CValueCache::Contains(const CValueCacheKey& key) const {
+    return entries_.find(key) != entries_.end();
+}
 
 bool CValueCache::Forget(const CValueCacheKey& key) {
     auto it = entries_.find(key);
