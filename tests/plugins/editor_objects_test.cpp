@@ -127,8 +127,10 @@ TEST_F(EditorObjects, EveryEditorObjectAnswersTheTwentyInterfaces) {
         EXPECT_EQ(object.Get(), static_cast<IUnknown*>(As<ITsUIWindow>(object).Get()))
             << "the first interface is the object's identity";
         for (const IID& iid : order) {
-            CTsComPtr<IUnknown> answered;
-            EXPECT_EQ(object->QueryInterface(iid, answered.PutVoid()), S_OK) << ts::FormatGuid(iid);
+            CTsComPtr<IUnknown> answered, identity;
+            ASSERT_EQ(object->QueryInterface(iid, answered.PutVoid()), S_OK) << ts::FormatGuid(iid);
+            ASSERT_EQ(answered->QueryInterface(IUnknown::kIID, identity.PutVoid()), S_OK);
+            EXPECT_EQ(identity.Get(), object.Get()) << "IUnknown from " << ts::FormatGuid(iid);
         }
         void* out = reinterpret_cast<void*>(0x1);
         EXPECT_EQ(object->QueryInterface(IClassFactory::kIID, &out), E_NOINTERFACE);
@@ -218,18 +220,10 @@ TEST_F(EditorObjects, TheConversationEditorAsTheHostUsesIt) {
     EXPECT_EQ(ts::AdvisedEventSinkCount(), sinksBefore);
     EXPECT_EQ(editor->Attach(1, u"other.dlg", 0), E_FAIL);
     EXPECT_EQ(editor->GetState(&cookie, text.Put(), &state), E_FAIL);
-    EXPECT_EQ(editor->SetModified(0), E_FAIL);
-    EXPECT_EQ(editor->GetDisplayName(text.Put()), E_FAIL);
-    EXPECT_EQ(editor->EnumerateResourceTypes(1, types.Put()), E_FAIL);
     EXPECT_EQ(editor->Load(resource.Get()), E_FAIL);
-    EXPECT_EQ(editor->GetContent(resource.Get()), E_FAIL);
-    EXPECT_EQ(editor->Save(0), E_FAIL);
-    EXPECT_EQ(editor->ActivateFrame(1), E_FAIL);
-    EXPECT_EQ(editor->ReportWordCount(), E_FAIL);
     EXPECT_EQ(options->GetOptionsName(text.Put()), E_FAIL);
     EXPECT_EQ(commands->GetCommandBars(bars.Put()), E_FAIL);
     EXPECT_EQ(window->GetLayoutFile(TsLayoutFile::User, text.Put()), E_FAIL);
-    EXPECT_EQ(window->GetDefaultLayoutKey(u"Conversation", text.Put()), E_FAIL);
     EXPECT_EQ(window->CloseUIWindow(), E_FAIL);
     EXPECT_EQ(commands->GetCommandSourceName(text.Put()), S_FALSE);
     EXPECT_EQ(text.View(), u"");
