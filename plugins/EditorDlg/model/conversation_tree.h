@@ -44,7 +44,7 @@ public:
     void Renumber();
 
     // Label and colours of one node, of an item's subtree (pre-order), or of the whole tree.
-    std::u16string Label(ConversationNode& node) const;
+    std::u16string LabelOf(ConversationNode& node) const;
     void RefreshItem(TreeItem item);
     void RefreshSubtree(TreeItem item);
     void RefreshAll() { RefreshSubtree(RootItem()); }
