@@ -208,12 +208,10 @@ TEST_F(EditorObjects, TheConversationEditorAsTheHostUsesIt) {
     EXPECT_EQ(editor->OnActivate(1), S_OK);
     EXPECT_EQ(editor->OnHostNotify(3), S_OK);
 
-    // These work on the conversation tree, which the editor does not hold yet.
+    // A resource object without a tree can't be loaded; nothing loaded has no content.
     auto resource = CTsComObject<FakeResource>::Create();
-    EXPECT_EQ(editor->Load(resource.Get()), E_NOTIMPL);
-    EXPECT_EQ(editor->GetContent(resource.Get()), E_NOTIMPL);
-    EXPECT_EQ(editor->Save(0), E_NOTIMPL);
-    EXPECT_EQ(editor->ReportWordCount(), E_NOTIMPL);
+    EXPECT_EQ(editor->Load(resource.Get()), E_INVALIDARG);
+    EXPECT_EQ(editor->GetContent(resource.Get()), E_FAIL);
 
     // Closed by the host: every forwarded call fails, nothing else does.
     ASSERT_EQ(window->CloseUIWindow(), S_OK);

@@ -1,7 +1,12 @@
 #include "model/conversation_editor_wnd.h"
 
 #include "core/com_error.h"
+#include "core/host_events.h"
 #include "core/string_enum.h"
+#include "model/tree_view_commands.h"
+#include "ts/editorhost.h"
+#include "ts/environment.h"
+#include "ts/hostui.h"
 #include "ts/events.h"
 #include "ts/format.h"
 #include "ts/telemetry.h"
@@ -18,6 +23,7 @@ CConversationEditorWnd::CConversationEditorWnd(CTsWindowInterface<CConversationE
     : CTsEditorLayoutSupport(false),
       CTsUICommandSourceSupport(std::u16string(kCommandSourceName), std::u16string(kCommandBars)),
       parent_(parent),
+      owner_(&owner),
       events_(&owner) {
     RefreshStateDisplay();
 }
@@ -28,20 +34,73 @@ HRESULT CConversationEditorWnd::EnumerateResourceTypes(std::int32_t which, ITsSt
     return CTsStringEnum::Create(std::move(names), types);
 }
 
-HRESULT CConversationEditorWnd::LoadResource(IUnknown*) {
-    return E_NOTIMPL;
+HRESULT CConversationEditorWnd::LoadResource(IUnknown* resource) {
+    bool reloading = IsLoaded();
+    CTsComPtr<ITsProperty> root;
+    if (resource) {
+        CTsComPtr<ITsResource> host;
+        if (FAILED(resource->QueryInterface(ITsResource::kIID, host.PutVoid())) ||
+            FAILED(host->GetRootProperty(root.Put())))
+            return E_INVALIDARG;
+    } else {
+        // Again from the open conversation: its current state is what the tree holds.
+        CAgentConversation current;
+        if (!document_.IsLoaded() || !document_.WriteBack(current)) return E_INVALIDARG;
+        root = CTsComPtr<ITsProperty>(current.GetNode());
+    }
+
+    std::u16string error;
+    if (!document_.Load(root.Get(), error)) {
+        ts::SendHostEvent(ts::events::Error(), ts::events::kError, error);
+        return 1;
+    }
+    CTsComPtr<ITsEnvironment> environment;
+    if (FAILED(TsGetEnvironment(environment.Put()))) return -1;
+    document_.CollectReferences();
+    dlg::ItemTree& items = document_.Tree().Items();
+    items.Select(items.GetRootItem());
+    items.Expand(items.GetRootItem(), true);
+
+    SetModified(reloading && !resource && !IsReadOnly());
+    SetLoaded(true);
+    return S_OK;
 }
 
-HRESULT CConversationEditorWnd::GetContent(IUnknown*) {
-    return E_NOTIMPL;
+HRESULT CConversationEditorWnd::GetContent(IUnknown* resource) {
+    CTsComPtr<ITsResource> host;
+    if (!resource || FAILED(resource->QueryInterface(ITsResource::kIID, host.PutVoid()))) return E_NOTIMPL;
+    CAgentConversation written;
+    if (!document_.IsLoaded() || !document_.WriteBack(written)) return E_FAIL;
+    return host->SetRootProperty(written.GetNode());
 }
 
-HRESULT CConversationEditorWnd::SaveResource(std::uint32_t) {
-    return E_NOTIMPL;
+HRESULT CConversationEditorWnd::SaveResource(std::uint32_t hostArgument) {
+    if (dlg::ConversationNode* node = document_.Tree().NodeOf(document_.Tree().Items().GetSelection())) {
+        std::u16string text;
+        node->Shown().line.GetText(text);
+        if (!dlg::TextTagsAreValid(text, knownTags_)) {
+            TsMessageBox(u"Line contains unmatched or malformed tags, please edit", u"", MB_OK | MB_ICONERROR);
+            return E_FAIL;
+        }
+    }
+    HRESULT saved = TsSaveEditor(Owner(), hostArgument);
+    if (saved != S_OK) return saved;
+    document_.Tree().RefreshAll();
+    SetModified(false);
+    RefreshStateDisplay();
+    return S_OK;
 }
 
 HRESULT CConversationEditorWnd::ReportWordCount() {
-    return E_NOTIMPL;
+    SendWordCount(document_.WordCount());
+    return S_OK;
+}
+
+IUnknown* CConversationEditorWnd::Owner() const { return static_cast<ITsEditor*>(owner_); }
+
+int CConversationEditorWnd::ToggleSimpleView() {
+    simpleView_ = !simpleView_;
+    return simpleView_ ? 0 : 2;
 }
 
 void CConversationEditorWnd::SendWordCount(std::int32_t count) {
@@ -57,8 +116,8 @@ void CConversationEditorWnd::RefreshStateDisplay() {
 }
 
 void CConversationEditorWnd::OnEvent(TsAtom event, std::uint32_t, std::uint32_t, ITsResource*) {
-    // The tree's labels and reference caches follow "Refresh" once the window holds the tree;
-    // the caption is refreshed already.
-    if (event == ts::events::Refresh() || event == ts::events::RefreshNoArt())
+    if (event == ts::events::Refresh() || event == ts::events::RefreshNoArt()) {
+        document_.Refresh();
         RefreshStateDisplay();
+    }
 }

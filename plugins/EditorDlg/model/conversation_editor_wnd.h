@@ -10,6 +10,8 @@
 #include "core/frame_wnd.h"
 #include "core/layout_support.h"
 #include "core/window_interface.h"
+#include "model/conversation_document.h"
+#include "model/text_tags.h"
 #include "ts/guid.h"
 #include "ts/resource.h"
 #include "ts/stringenum.h"
@@ -40,12 +42,24 @@ public:
 
     // ITsEditor operations of this editor.
     HRESULT EnumerateResourceTypes(std::int32_t which, ITsStringEnum** types);
-    // Loading, writing back, saving and counting words work on the conversation tree, which
-    // this window does not hold yet: each answers E_NOTIMPL.
+    // Builds the tree from the host's resource object (or, without one, again from the open
+    // conversation). Returns 1 when the conversation cannot be shown (the host is sent "Error"),
+    // -1 when the host environment is missing.
     HRESULT LoadResource(IUnknown* resource);
+    // Writes the tree back and hands it to the resource object; E_NOTIMPL when the object is not
+    // a resource.
     HRESULT GetContent(IUnknown* resource);
+    // Refused with a message while the selected line's markup is broken; otherwise the host
+    // saves, and the labels are recomputed.
     HRESULT SaveResource(std::uint32_t hostArgument);
     HRESULT ReportWordCount();
+
+    dlg::ConversationDocument& Document() { return document_; }
+    // The markup tags line text may use; the host's tables fill it.
+    void SetKnownTags(dlg::TextTagSet tags) { knownTags_ = std::move(tags); }
+    bool SimpleView() const { return simpleView_; }
+    // "View.DialogEditor.SimpleView": returns the splitter's pane mode, 0 on and 2 off.
+    int ToggleSimpleView();
 
     // Records a word count in the host's telemetry as decimal text; raises ComError(E_FAIL)
     // when the host can't record it.
@@ -59,6 +73,13 @@ public:
     void OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t param2, ITsResource* resource);
 
 private:
+    // The editor object that answers the host for this window.
+    IUnknown* Owner() const;
+
     TsWindowHandle parent_;
+    CTsWindowInterface<CConversationEditorWnd>* owner_;
+    dlg::ConversationDocument document_;
+    dlg::TextTagSet knownTags_;
+    bool simpleView_ = false;
     CTsEventSinkConnection<CTsWindowInterface<CConversationEditorWnd>> events_;
 };

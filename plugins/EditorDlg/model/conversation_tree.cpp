@@ -103,7 +103,7 @@ bool ConversationTree::Build(ITsProperty* resource, std::u16string& error) {
             continue;
         }
         const char16_t* kind = step.npc ? u"NPC" : u"PC";
-        if (step.index >= onPath.size())
+        if (!step.link && step.index >= onPath.size())
             return fail(ts::Format(u"%ls line [%d] does not exist: the conversation is damaged.", kind,
                                    static_cast<std::int32_t>(step.index)));
         if (!step.link && onPath[step.index])
@@ -153,8 +153,9 @@ ConversationNode* ConversationTree::InsertLine(TreeItem parent, std::uint32_t in
                                                std::vector<ConversationNode*>& npcTable,
                                                std::vector<ConversationNode*>& playerTable,
                                                std::vector<ConversationNode*>& pendingLinks) {
+    // A link owns no line: it takes its target's once links are resolved.
     CTsComPtr<ITsProperty> lineNode;
-    bool read = npc ? root_.GetNPCLineListItem(index, lineNode) : root_.GetPlayerLineListItem(index, lineNode);
+    bool read = link || (npc ? root_.GetNPCLineListItem(index, lineNode) : root_.GetPlayerLineListItem(index, lineNode));
     if (!read) return nullptr;
     auto& table = npc ? npcTable : playerTable;
     // A line with a second full item gets a record of its own, so that each full item writes
