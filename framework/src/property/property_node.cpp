@@ -16,12 +16,16 @@ struct PropertyNode::Counted {
     std::uint32_t size;  // in units: char16_t for text, bytes for blobs
     alignas(char16_t) unsigned char data[1];
 
-    static Counted* Make(const void* data, std::uint32_t size, std::size_t unit) {
+    static Counted* Allocate(std::uint32_t size, std::size_t unit) {
         if (size == 0) return nullptr;
         auto* c = static_cast<Counted*>(std::malloc(offsetof(Counted, data) + size * unit));
         if (!c) throw std::bad_alloc();
         c->size = size;
-        std::memcpy(c->data, data, size * unit);
+        return c;
+    }
+    static Counted* Make(const void* data, std::uint32_t size, std::size_t unit) {
+        Counted* c = Allocate(size, unit);
+        if (c) std::memcpy(c->data, data, size * unit);
         return c;
     }
     std::u16string_view Text() const { return {reinterpret_cast<const char16_t*>(data), size}; }
@@ -61,10 +65,43 @@ PropertyNode* PropertyNode::Create(TsAtom name, std::uint32_t type, std::uint32_
 HRESULT PropertyNode::QueryInterface(REFIID iid, void** object) {
     if (!object) return E_POINTER;
     *object = nullptr;
+    if (iid == kInternalIID) {
+        *object = this;
+        AddRef();
+        return S_OK;
+    }
     if (iid != IUnknown::kIID && iid != ITsProperty::kIID) return E_NOINTERFACE;
     *object = static_cast<ITsProperty*>(this);
     AddRef();
     return S_OK;
+}
+
+PropertyNode* PropertyNode::FromInterface(ITsProperty* node) {
+    void* self = nullptr;
+    if (!node || FAILED(node->QueryInterface(kInternalIID, &self)) || !self) return nullptr;
+    auto* ours = static_cast<PropertyNode*>(self);
+    ours->Release();  // the caller's own reference keeps it alive
+    return ours;
+}
+
+std::u16string_view PropertyNode::RawText() const {
+    return text_ ? text_->Text() : std::u16string_view();
+}
+
+std::span<const std::uint8_t> PropertyNode::RawBytes() const {
+    return text_ ? std::span<const std::uint8_t>(text_->data, text_->size) : std::span<const std::uint8_t>();
+}
+
+char16_t* PropertyNode::AllocateRawText(std::uint32_t size) {
+    ClearValue();
+    text_ = Counted::Allocate(size, sizeof(char16_t));
+    return text_ ? reinterpret_cast<char16_t*>(text_->data) : nullptr;
+}
+
+std::uint8_t* PropertyNode::AllocateRawBytes(std::uint32_t size) {
+    ClearValue();
+    text_ = Counted::Allocate(size, 1);
+    return text_ ? text_->data : nullptr;
 }
 
 std::uint32_t PropertyNode::Release() {

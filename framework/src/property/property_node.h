@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
+#include <string_view>
 
 #include "ts/property.h"
 
@@ -42,6 +44,41 @@ public:
 
     HRESULT Clone(std::uint32_t flags, ITsProperty** copy) override;
     HRESULT Reset() override;
+
+    // Framework-internal fast paths for the resource codec, which builds and walks millions of
+    // nodes and cannot afford a variant per value. Callers keep to the node's type code.
+    static constexpr IID kInternalIID = ::ts::Guid("{3C1E5B0A-8F2D-4E7A-9B16-6D4F0C2A7E91}");
+    // The node behind an interface pointer, or null when it is not one of ours.
+    static PropertyNode* FromInterface(ITsProperty* node);
+
+    std::uint32_t AttributesHandle() const { return attributes_; }
+    std::int32_t RawInt() const { return i_; }
+    std::uint32_t RawUInt() const { return u_; }
+    float RawFloat() const { return f_; }
+    double RawDouble() const { return d_; }
+    bool RawBool() const { return b_; }
+    const TsVector3& RawVector() const { return v_; }
+    const TsColour& RawColour() const { return c_; }
+    std::u16string_view RawText() const;
+    std::span<const std::uint8_t> RawBytes() const;
+    std::span<ITsProperty* const> RawChildren() const { return {children_.items, children_.size}; }
+
+    void SetRawInt(std::int32_t v) { i_ = v; }
+    void SetRawUInt(std::uint32_t v) { u_ = v; }
+    void SetRawFloat(float v) { f_ = v; }
+    void SetRawDouble(double v) { d_ = v; }
+    void SetRawBool(bool v) { b_ = v; }
+    void SetRawVector(const TsVector3& v) { v_ = v; }
+    void SetRawColour(const TsColour& v) { c_ = v; }
+    // A text (or byte) buffer of exactly `size` units for the caller to fill; null when size is 0.
+    char16_t* AllocateRawText(std::uint32_t size);
+    std::uint8_t* AllocateRawBytes(std::uint32_t size);
+    // Room for `count` children, then appends without growing.
+    void ReserveChildren(std::uint32_t count) { Reserve(count); }
+    void AppendReservedChild(PropertyNode* child) {
+        children_.items[children_.size++] = child;
+        child->AddRef();
+    }
 
     static void* operator new(std::size_t size);
     static void operator delete(void* block, std::size_t size);

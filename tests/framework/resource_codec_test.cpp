@@ -1,0 +1,249 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "support/sample_trees.h"
+#include "ts/comobject.h"
+#include "ts/propertycompare.h"
+#include "ts/resourcecodec.h"
+
+namespace {
+
+using Node = CTsComPtr<ITsProperty>;
+using ts::test::MakeSampleTree;
+
+std::vector<std::uint8_t> Encode(ITsProperty* root) {
+    std::vector<std::uint8_t> bytes;
+    std::u16string error;
+    EXPECT_TRUE(ts::EncodeResource(root, bytes, &error)) << ts::Utf16ToUtf8(error);
+    return bytes;
+}
+
+std::u16string DecodeError(const std::vector<std::uint8_t>& bytes, bool verify = true) {
+    Node root;
+    std::u16string error;
+    bool ok = ts::DecodeResource(bytes, root, &error, {verify});
+    EXPECT_FALSE(ok);
+    EXPECT_FALSE(root);
+    EXPECT_FALSE(error.empty());
+    return error;
+}
+
+bool Contains(const std::u16string& text, std::u16string_view part) { return text.find(part) != std::u16string::npos; }
+
+TEST(ResourceCodec, EveryKindOfValueAndDeclarationSurvivesExactly) {
+    Node tree = MakeSampleTree();
+    auto bytes = Encode(tree.Get());
+    ASSERT_GT(bytes.size(), ts::kResourceHeaderSize);
+    EXPECT_EQ(std::memcmp(bytes.data(), "MTRF", 4), 0);
+
+    Node back;
+    std::u16string error;
+    ASSERT_TRUE(ts::DecodeResource(bytes, back, &error)) << ts::Utf16ToUtf8(error);
+    std::u16string difference;
+    EXPECT_TRUE(ts::PropertyTreesEqual(tree.Get(), back.Get(), &difference)) << ts::Utf16ToUtf8(difference);
+
+    // Encoding is deterministic, so a decoded resource re-encodes to the same bytes.
+    EXPECT_EQ(Encode(back.Get()), bytes);
+}
+
+TEST(ResourceCodec, ComparisonNamesWhereTreesDiffer) {
+    Node a = MakeSampleTree();
+    Node b = MakeSampleTree();
+    std::u16string difference;
+    ASSERT_TRUE(ts::PropertyTreesEqual(a.Get(), b.Get(), &difference));
+
+    // Change the text of the second line only.
+    Node lines, line, text;
+    ASSERT_EQ(b->FindChild(TsAddAtom(u"LineList"), 0, lines.Put()), S_OK);
+    ASSERT_EQ(lines->GetChildAt(1, line.Put()), S_OK);
+    ASSERT_EQ(line->FindChild(TsAddAtom(u"Text"), 0, text.Put()), S_OK);
+    ASSERT_EQ(text->SetValue(variant(kTsTypeString, u"Changed")), S_OK);
+    EXPECT_FALSE(ts::PropertyTreesEqual(a.Get(), b.Get(), &difference));
+    EXPECT_EQ(difference, u"Sample/LineList/Agent[1]/Text: the values differ");
+
+    // A float that differs only in the sign of zero is a different value.
+    Node za, zb;
+    ASSERT_EQ(TsCreateProperty(u"Delay", kTsTypeFloat, 0, za.Put()), S_OK);
+    ASSERT_EQ(TsCreateProperty(u"Delay", kTsTypeFloat, 0, zb.Put()), S_OK);
+    za->SetValue(variant(kTsTypeFloat, 0.0f));
+    zb->SetValue(variant(kTsTypeFloat, -0.0f));
+    EXPECT_FALSE(ts::PropertyTreesEqual(za.Get(), zb.Get()));
+}
+
+TEST(ResourceCodec, EveryTruncationFailsCleanly) {
+    auto bytes = Encode(MakeSampleTree().Get());
+    for (std::size_t size = 0; size < bytes.size(); ++size) {
+        std::vector<std::uint8_t> cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
+        auto error = DecodeError(cut);
+        if (size >= 4) {
+            EXPECT_TRUE(Contains(error, u"truncated")) << size << ": " << ts::Utf16ToUtf8(error);
+        }
+    }
+}
+
+TEST(ResourceCodec, EveryFlippedByteIsCaught) {
+    auto bytes = Encode(MakeSampleTree().Get());
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        for (std::uint8_t mask : {0x01, 0x80, 0xFF}) {
+            auto damaged = bytes;
+            damaged[i] ^= mask;
+            auto error = DecodeError(damaged);
+            if (i >= ts::kResourceHeaderSize) {
+                EXPECT_TRUE(Contains(error, u"checksum")) << i << ": " << ts::Utf16ToUtf8(error);
+            }
+        }
+    }
+}
+
+TEST(ResourceCodec, HeaderProblemsAreToldApart) {
+    auto bytes = Encode(MakeSampleTree().Get());
+    EXPECT_TRUE(Contains(DecodeError({}), u"not a resource"));
+    EXPECT_TRUE(Contains(DecodeError({'S', 'Q', 'L', 'i', 't', 'e', ' ', 'f', 'o', 'r', 'm', 'a', 't', ' ', '3',
+                                      0, 0, 0, 0, 0, 0}),
+                         u"not a resource"));
+
+    auto newer = bytes;
+    newer[4] = 9;
+    EXPECT_TRUE(Contains(DecodeError(newer), u"newer toolset (format version 9"));
+
+    auto longer = bytes;
+    longer.push_back(0);
+    EXPECT_TRUE(Contains(DecodeError(longer), u"1 bytes follow its end"));
+}
+
+// Bytes whose checksum is right but whose structure is not, as a damaged writer or a fuzzer
+// would make them: the decoder must refuse each with a message, never crash or loop.
+TEST(ResourceCodec, StructuralDamageBehindAValidChecksumIsRefused) {
+    auto make = [](std::vector<std::uint8_t> payload, std::uint32_t nodes) {
+        std::vector<std::uint8_t> bytes = {'M', 'T', 'R', 'F', 1, 0, 0, 0};
+        auto put32 = [&](std::uint32_t v) {
+            for (int i = 0; i < 4; ++i) bytes.push_back(static_cast<std::uint8_t>(v >> (8 * i)));
+        };
+        put32(static_cast<std::uint32_t>(payload.size()));
+        put32(nodes);
+        std::uint32_t crc = ts::Crc32({bytes.data(), 16});
+        crc = ts::Crc32(payload, crc);
+        put32(crc);
+        bytes.insert(bytes.end(), payload.begin(), payload.end());
+        return bytes;
+    };
+    // names: 1 "B"; attribute sets: 1 (all empty); shapes: 1 (name 0, bool, flags 0, set 0)
+    std::vector<std::uint8_t> tables = {1, 1, 'B', 1, 0, 0, 0, 0, 0, 1, 0, 15, 0, 0};
+    auto with = [&](std::initializer_list<std::uint8_t> node) {
+        auto p = tables;
+        p.insert(p.end(), node);
+        return p;
+    };
+
+    Node ok;
+    ASSERT_TRUE(ts::DecodeResource(make(with({0, 1}), 1), ok));
+    variant v;
+    ok->GetValue(&v);
+    EXPECT_TRUE(v.GetBool());
+
+    EXPECT_TRUE(Contains(DecodeError(make(with({0, 2}), 1)), u"a true-or-false value holds 2"));
+    EXPECT_TRUE(Contains(DecodeError(make(with({5, 1}), 1)), u"unknown shape 5"));
+    EXPECT_TRUE(Contains(DecodeError(make(with({0, 1, 0}), 1)), u"1 bytes follow the last node"));
+    EXPECT_TRUE(Contains(DecodeError(make(with({0}), 1)), u"a value is cut short"));
+    EXPECT_TRUE(Contains(DecodeError(make(with({0, 1}), 0)), u"counts 0 nodes"));
+    EXPECT_TRUE(Contains(DecodeError(make(with({0, 1}), 2)), u"counts 2 nodes but 1 were read"));
+
+    auto badType = tables;
+    badType[11] = 7;
+    badType.insert(badType.end(), {0, 1});
+    EXPECT_TRUE(Contains(DecodeError(make(badType, 1)), u"unknown type code 7"));
+
+    auto emptyName = tables;
+    emptyName[1] = 0;
+    emptyName.erase(emptyName.begin() + 2);
+    emptyName.insert(emptyName.end(), {0, 1});
+    EXPECT_TRUE(Contains(DecodeError(make(emptyName, 1)), u"name 0 is empty"));
+
+    // A varint of six bytes and a text that is not valid WTF-8.
+    EXPECT_TRUE(Contains(DecodeError(make(with({0x80, 0x80, 0x80, 0x80, 0x80, 0x01}), 1)), u"a node is cut short"));
+    std::vector<std::uint8_t> badText = {1, 2, 0xC3, 0x28, 1, 0, 0, 0, 0, 0, 1, 0, 15, 0, 0, 0, 1};
+    EXPECT_TRUE(Contains(DecodeError(make(badText, 1)), u"a name is cut short or not valid text"));
+
+    // A chain of lists deeper than the limit, each claiming one child.
+    std::vector<std::uint8_t> deep = {1, 1, 'L', 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0};
+    for (std::uint32_t i = 0; i < ts::kResourceMaxDepth + 1; ++i) deep.insert(deep.end(), {0, 1});
+    EXPECT_TRUE(Contains(DecodeError(make(deep, ts::kResourceMaxDepth + 2)), u"nest deeper than 128"));
+
+    // A list that claims far more children than the resource can hold.
+    std::vector<std::uint8_t> greedy = {1, 1, 'L', 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0x03};
+    greedy.resize(greedy.size() + 70000, 0);
+    EXPECT_FALSE(DecodeError(make(greedy, 3)).empty());
+}
+
+TEST(ResourceCodec, RefusesToEncodeTreesTooDeepOrCyclic) {
+    Node a, b;
+    ASSERT_EQ(TsCreateProperty(u"A", kTsTypeList, 0, a.Put()), S_OK);
+    ASSERT_EQ(TsCreateProperty(u"B", kTsTypeList, 0, b.Put()), S_OK);
+    ASSERT_EQ(a->InsertChild(kTsAppend, b.Get()), S_OK);
+    ASSERT_EQ(b->InsertChild(kTsAppend, a.Get()), S_OK);  // a cycle, the caller's error
+    std::vector<std::uint8_t> bytes;
+    std::u16string error;
+    EXPECT_FALSE(ts::EncodeResource(a.Get(), bytes, &error));
+    EXPECT_TRUE(bytes.empty());
+    EXPECT_TRUE(Contains(error, u"deeper than 128 levels")) << ts::Utf16ToUtf8(error);
+    b->RemoveChildAt(0);  // break the cycle so both are freed
+
+    EXPECT_FALSE(ts::EncodeResource(nullptr, bytes, &error));
+}
+
+// A node implemented outside the framework (as a plugin might): the encoder reads it through the
+// interface alone and the result decodes to an equal tree of framework nodes.
+class ForwardingNode : public CTsComObjectRoot<ITsProperty> {
+public:
+    void Wrap(ITsProperty* inner) { inner_ = CTsComPtr<ITsProperty>(inner); }
+    TsAtom GetNameAtom() override { return inner_->GetNameAtom(); }
+    std::uint32_t GetType() override { return inner_->GetType(); }
+    std::uint32_t GetFlags() override { return inner_->GetFlags(); }
+    HRESULT GetName(char16_t** n) override { return inner_->GetName(n); }
+    HRESULT GetAttribute(TsPropertyAttribute w, char16_t** t) override { return inner_->GetAttribute(w, t); }
+    HRESULT SetAttribute(TsPropertyAttribute w, std::u16string_view t) override { return inner_->SetAttribute(w, t); }
+    HRESULT CreateProperty(std::u16string_view, std::uint32_t, std::uint32_t, std::u16string_view,
+                           std::u16string_view, std::u16string_view, std::u16string_view, std::u16string_view,
+                           ITsProperty**) override {
+        return E_NOTIMPL;
+    }
+    HRESULT FindChild(TsAtom n, std::uint32_t i, ITsProperty** c) override { return inner_->FindChild(n, i, c); }
+    HRESULT GetChildCount(TsAtom n, std::uint32_t* c) override { return inner_->GetChildCount(n, c); }
+    HRESULT GetChildAt(std::uint32_t p, ITsProperty** c) override { return inner_->GetChildAt(p, c); }
+    HRESULT GetChildArray(ITsProperty* const** c, std::uint32_t* n) override { return inner_->GetChildArray(c, n); }
+    HRESULT InsertChild(std::uint32_t, ITsProperty*) override { return E_NOTIMPL; }
+    HRESULT RemoveChild(ITsProperty*) override { return E_NOTIMPL; }
+    HRESULT RemoveChildAt(std::uint32_t) override { return E_NOTIMPL; }
+    HRESULT GetValue(variant* v) override { return inner_->GetValue(v); }
+    HRESULT SetValue(const variant& v) override { return inner_->SetValue(v); }
+    HRESULT Clone(std::uint32_t, ITsProperty**) override { return E_NOTIMPL; }
+    HRESULT Reset() override { return E_NOTIMPL; }
+
+private:
+    CTsComPtr<ITsProperty> inner_;
+};
+
+TEST(ResourceCodec, EncodesNodesOfOtherImplementations) {
+    Node tree = MakeSampleTree();
+    // Only the root is foreign; the nodes under it are framework nodes.
+    auto wrapper = CTsComObject<ForwardingNode>::Create();
+    wrapper->Wrap(tree.Get());
+    auto bytes = Encode(wrapper.Get());
+    Node back;
+    ASSERT_TRUE(ts::DecodeResource(bytes, back));
+    std::u16string difference;
+    EXPECT_TRUE(ts::PropertyTreesEqual(tree.Get(), back.Get(), &difference)) << ts::Utf16ToUtf8(difference);
+    EXPECT_EQ(bytes, Encode(tree.Get()));
+
+    Node value;
+    ASSERT_EQ(TsCreateProperty(u"Text", kTsTypeString, 2, u"Text", u"", u"", u"", u"", value.Put()), S_OK);
+    value->SetValue(variant(kTsTypeString, u"Gr\u00fc\u00dfe \U0001F600"));
+    auto leaf = CTsComObject<ForwardingNode>::Create();
+    leaf->Wrap(value.Get());
+    EXPECT_EQ(Encode(leaf.Get()), Encode(value.Get()));
+}
+
+}  // namespace
