@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+
+#include "ts/gametable.h"
+#include "ts/text.h"
+
+namespace {
+
+std::string U8(const std::u16string& s) { return ts::Utf16ToUtf8(s); }
+
+ts::GameTable Parse(std::string_view csv, std::u16string_view name = u"poses") {
+    ts::GameTable table;
+    std::u16string error;
+    EXPECT_TRUE(ts::GameTable::FromCsv(name, csv, table, &error)) << U8(error);
+    return table;
+}
+
+TEST(GameTable, ReadsCellsByColumnNameInRowOrder) {
+    auto table = Parse(
+        "\xEF\xBB\xBFID, Label ,Animations\r\n"
+        "10,Stand,\"idle_01,idle_02\"\r\n"
+        "\r\n"
+        "  \n"
+        "3 , Sit ,\"says \"\"hi\"\"\nand waves\"\n"
+        "-7,,\n");
+    ASSERT_EQ(table.ColumnCount(), 3u);
+    EXPECT_EQ(table.ColumnName(1), u"Label");  // blanks around unquoted cells are not part of them
+    ASSERT_EQ(table.RowCount(), 3u);
+    EXPECT_EQ(table.RowId(0), 10);
+    EXPECT_EQ(table.RowId(1), 3);
+    EXPECT_EQ(table.RowId(2), -7);
+
+    std::u16string text;
+    ASSERT_TRUE(table.GetText(0, u"animations", text));
+    EXPECT_EQ(text, u"idle_01,idle_02");
+    ASSERT_TRUE(table.GetText(1, u"Animations", text));
+    EXPECT_EQ(text, u"says \"hi\"\nand waves");
+    ASSERT_TRUE(table.GetText(1, u"LABEL", text));
+    EXPECT_EQ(text, u"Sit");
+    ASSERT_TRUE(table.GetText(2, 1, text));
+    EXPECT_EQ(text, u"");
+    std::int32_t id;
+    ASSERT_TRUE(table.GetInt(1, u"ID", id));
+    EXPECT_EQ(id, 3);
+    std::size_t row;
+    ASSERT_TRUE(table.FindRow(-7, row));
+    EXPECT_EQ(row, 2u);
+
+    // Written out and read again, the table is the same; quotes only where needed.
+    std::string csv = table.ToCsv();
+    EXPECT_EQ(csv, "ID,Label,Animations\n10,Stand,\"idle_01,idle_02\"\n3,Sit,\"says \"\"hi\"\"\nand waves\"\n-7,,\n");
+    EXPECT_EQ(Parse(csv).ToCsv(), csv);
+}
+
+TEST(GameTable, BadReadsFailWithTheirReason) {
+    auto table = Parse("ID,Name,Value\n1,Gold, 25\n2,Silver,lots\n3,Lead,99999999999\n", u"toolset_dlgparms");
+    std::int32_t value = 123;
+    std::u16string error;
+    ASSERT_TRUE(table.GetInt(0, u"Value", value, &error));
+    EXPECT_EQ(value, 25);
+
+    value = 123;
+    EXPECT_FALSE(table.GetInt(1, u"Value", value, &error));
+    EXPECT_EQ(value, 123);
+    EXPECT_EQ(error, u"In the table \"toolset_dlgparms\", the cell of row 2 in column \"Value\" is not a whole number: \"lots\"");
+    EXPECT_FALSE(table.GetInt(2, u"Value", value, &error));  // beyond 32 bits
+    EXPECT_FALSE(table.GetInt(0, u"Name", value, &error));
+    EXPECT_EQ(value, 123);
+
+    std::u16string text = u"untouched";
+    EXPECT_FALSE(table.GetText(0, u"Colour", text, &error));
+    EXPECT_EQ(error, u"The table \"toolset_dlgparms\" has no column \"Colour\"");
+    EXPECT_FALSE(table.GetText(3, 0, text, &error));
+    EXPECT_EQ(error, u"The table \"toolset_dlgparms\" has 3 rows; there is no row at index 3");
+    EXPECT_FALSE(table.GetText(0, 3, text, &error));
+    EXPECT_EQ(text, u"untouched");
+    std::size_t row;
+    EXPECT_FALSE(table.FindRow(4, row, &error));
+    EXPECT_EQ(error, u"The table \"toolset_dlgparms\" has no row with id 4");
+}
+
+TEST(GameTable, MalformedFilesAreRefusedWithTheLine) {
+    struct Case {
+        const char* csv;
+        const char16_t* error;
+    };
+    const Case cases[] = {
+        {"", u"the table is empty: it needs a header row naming its columns"},
+        {"\n\n", u"the table is empty"},
+        {"ID,Name\n1,\"open\n2,x\n", u"line 2: a quoted cell is not closed"},
+        {"ID,Name\n1,Gold\n2\n", u"line 3 has 1 cells but the header names 2 columns"},
+        {"ID,Name\n1,Gold,extra\n", u"line 2 has 3 cells but the header names 2 columns"},
+        {"ID,Name\none,Gold\n", u"line 2: the row id \"one\" is not a whole number"},
+        {"ID,Name\n,Gold\n", u"line 2: the row id \"\" is not a whole number"},
+        {"ID,Name\n4,Gold\n5,Lead\n4,Tin\n", u"line 4: the row id 4 is used twice (first on line 2)"},
+        {"ID,Name,name\n", u"line 1: the column \"name\" is named twice"},
+        {"ID,,Value\n", u"line 1: column 2 of the header has no name"},
+        {"ID,Name\n1,Go\xFFld\n", u"line 2: the text is not valid UTF-8"},
+        {"ID,Name\n1,Go\"ld\n", u"line 2: a quote inside a cell that does not start with one"},
+        {"ID,Name\n1,\"Gold\" bar\n", u"line 2: text follows the closing quote of a cell"},
+    };
+    for (const auto& c : cases) {
+        ts::GameTable table;
+        std::u16string error;
+        EXPECT_FALSE(ts::GameTable::FromCsv(u"metals", c.csv, table, &error)) << c.csv;
+        EXPECT_EQ(error.substr(0, std::u16string_view(c.error).size()), c.error) << c.csv << "\n  gave: " << U8(error);
+    }
+    ts::GameTable table;
+    std::u16string error;
+    EXPECT_FALSE(ts::GameTable::FromCsv(u"bad name", "ID\n", table, &error));
+    EXPECT_NE(error.find(u"is not a valid table name"), std::u16string::npos);
+}
+
+}  // namespace
