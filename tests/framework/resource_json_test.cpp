@@ -233,6 +233,48 @@ TEST_F(ShortForm, FallsBackToExactNodesWhereTheTreeStrays) {
     ExpectSameTree(other.Get(), Read(text, schemas.Lookup()).root.Get());
 }
 
+TEST_F(ShortForm, ElementsOfAFamilyNameTheirKind) {
+    auto doc = Read(R"({"resource": "m", "type": "talk", "fields": {"MarkList": [
+        {"Kind": 2, "Height": 3.5},
+        {"Kind": 1},
+        {"Label": "north", "Kind": 1, "Colour": [0, 0, 1]}
+    ]}})",
+                    schemas.Lookup());
+    ASSERT_TRUE(doc.root);
+    ts::test::CAgentTestTalk talk;
+    talk.Bind(doc.root.Get());
+    ASSERT_EQ(talk.MarkListCount(), 3u);
+    Node item;
+    ASSERT_TRUE(talk.GetMarkListItem(0, item));
+    ts::test::CAgentTestPin pin;
+    pin.Bind(item.Get());
+    float height = 0;
+    ASSERT_TRUE(pin.GetHeight(height));
+    EXPECT_EQ(height, 3.5f);
+    ASSERT_TRUE(talk.GetMarkListItem(1, item));
+    ts::test::CAgentTestFlag flag;
+    flag.Bind(item.Get());
+    TsColour colour;
+    ASSERT_TRUE(flag.GetColour(colour));
+    EXPECT_EQ(colour, (TsColour{1, 0, 0, 1}));  // the flag's own default
+
+    // Written back, each element states its kind first, even the one that holds only defaults.
+    std::string text;
+    ASSERT_TRUE(ts::WriteResourceJsonShort({u"m", u"talk", doc.root}, schemas.Lookup(), text));
+    EXPECT_NE(text.find(R"({"Kind": 2, "Height": 3.5})"), std::string::npos) << text;
+    EXPECT_NE(text.find(R"({"Kind": 1})"), std::string::npos) << text;
+    EXPECT_NE(text.find(R"({"Kind": 1, "Label": "north", "Colour": [0, 0, 1, 1]})"), std::string::npos) << text;
+    ExpectSameTree(doc.root.Get(), Read(text, schemas.Lookup()).root.Get());
+
+    auto error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"MarkList": [{"Label": "x"}]}})",
+                           schemas.Lookup());
+    EXPECT_NE(error.find(u"a test mark needs \"Kind\" (a whole number) to say which kind it is"), std::u16string::npos)
+        << U8(error);
+    error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"MarkList": [{"Kind": 5}]}})", schemas.Lookup());
+    EXPECT_NE(error.find(u"5 is not a kind of test mark; the kinds are 1 (flag), 2 (pin)"), std::u16string::npos)
+        << U8(error);
+}
+
 TEST_F(ShortForm, RefusesFieldsTheRecordDoesNotHave) {
     auto error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"LineList": [{"text": "hi"}]}})",
                            schemas.Lookup());

@@ -34,10 +34,36 @@ public:
     TS_AGENT_DEFAULTS()
 };
 
+// A family of two kinds told apart by Kind, as cutscene actors are by Type.
+#define TS_TEST_MARK_FIELDS(F)                            \
+    F(Kind, Int, 0, u"", u"", u"", u"", u"", -1)          \
+    F(Label, String, 2, u"", u"", u"", u"", u"", u"")
+
+class CAgentTestMark : public CAgentBase {
+public:
+    TS_AGENT_FIELDS(CAgentTestMark, CAgentBase, "agenttest", TS_TEST_MARK_FIELDS)
+    TS_AGENT_DEFAULTS()
+};
+
+#define TS_TEST_FLAG_FIELDS(F) F(Colour, Colour, 2, u"", u"", u"", u"", u"", (TsColour{1, 0, 0, 1}))
+class CAgentTestFlag : public CAgentTestMark {
+public:
+    TS_AGENT_FIELDS(CAgentTestFlag, CAgentTestMark, "agenttest", TS_TEST_FLAG_FIELDS)
+    bool SetDefaults() override { return Base::SetDefaults() && SetKind(1) && WriteDefaults(Fields()); }
+};
+
+#define TS_TEST_PIN_FIELDS(F) F(Height, Float, 2, u"", u"", u"", u"", u"", 2.0)
+class CAgentTestPin : public CAgentTestMark {
+public:
+    TS_AGENT_FIELDS(CAgentTestPin, CAgentTestMark, "agenttest", TS_TEST_PIN_FIELDS)
+    bool SetDefaults() override { return Base::SetDefaults() && SetKind(2) && WriteDefaults(Fields()); }
+};
+
 #define TS_TEST_TALK_FIELDS(F)                                                    \
     F(DefaultSpeaker, String, 0, u"", u"", u"", u"", u"", u"OWNER")               \
     F(Position, Vector, 2050, u"", u"", u"", u"", u"", (TsVector3{0, 0, 0}))      \
-    F(LineList, List, 64, u"", u"", u"", u"", u"", TS_NO_DEFAULT)
+    F(LineList, List, 64, u"", u"", u"", u"", u"", TS_NO_DEFAULT)                 \
+    F(MarkList, List, 64, u"", u"", u"", u"", u"", TS_NO_DEFAULT)
 
 class CAgentTestTalk : public CAgentGameObject {
 public:
@@ -45,16 +71,22 @@ public:
     TS_AGENT_DEFAULTS()
 };
 
-// Schemas of the three records: "talk" resources hold "LineList" lines whose "TransitionList"
-// holds transitions; "ExtraList" has no element schema.
+// Schemas of the records: "talk" resources hold "LineList" lines whose "TransitionList" holds
+// transitions, and "MarkList" marks of two kinds; "ExtraList" has no element schema.
 struct TestSchemas {
     RecordSchema transition = TsAgentRecordSchema<CAgentTestTransition>(u"test transition");
     RecordSchema line = TsAgentRecordSchema<CAgentTestLine>(u"test line");
+    RecordSchema mark = TsAgentRecordSchema<CAgentTestMark>(u"test mark");
+    RecordSchema flag = TsAgentRecordSchema<CAgentTestFlag>(u"flag");
+    RecordSchema pin = TsAgentRecordSchema<CAgentTestPin>(u"pin");
     RecordSchema talk = TsAgentRecordSchema<CAgentTestTalk>(u"test talk");
 
     TestSchemas() {
         line.elements[u"TransitionList"] = &transition;
+        mark.kindField = u"Kind";
+        mark.kinds = {{1, &flag}, {2, &pin}};
         talk.elements[u"LineList"] = &line;
+        talk.elements[u"MarkList"] = &mark;
         talk.nameField = u"ResRefName";
     }
     TestSchemas(const TestSchemas&) = delete;

@@ -66,7 +66,7 @@ private:
         if (!schema)
             return Fail(*fields, Format(u"resources of type \"%ls\" have no short form; give the tree exactly (\"root\")",
                                         out.type));
-        return Record(*fields, *schema, out.root, 0, &out.name);
+        return Record(*fields, schema, out.root, 0, &out.name);
     }
 
     bool Depth(const Value& v, std::uint32_t depth) {
@@ -151,8 +151,31 @@ private:
 
     bool IsExactNode(const Value& v) const { return v.IsObject() && doc_.Find(v, u"name") && doc_.Find(v, u"type"); }
 
-    bool Record(const Value& v, const RecordSchema& schema, CTsComPtr<ITsProperty>& out, std::uint32_t depth,
+    // The record kind an element of a family names in its kind field; null (with the problem
+    // noted) when it names none. Schemas that are not families stand for themselves.
+    const RecordSchema* KindOf(const Value& item, const RecordSchema& schema) {
+        if (!schema.IsFamily()) return &schema;
+        const Value* kind = item.IsObject() ? doc_.Find(item, schema.kindField) : nullptr;
+        variant code;
+        std::u16string problem;
+        if (!kind || !json::ReadValue(doc_, *kind, kTsTypeInt, code, problem)) {
+            Fail(kind ? *kind : item, Format(u"a %ls needs \"%ls\" (a whole number) to say which kind it is", schema.name,
+                                             schema.kindField));
+            return nullptr;
+        }
+        auto it = schema.kinds.find(code.GetInt());
+        if (it != schema.kinds.end()) return it->second;
+        std::u16string known;
+        for (const auto& [value, kindSchema] : schema.kinds)
+            known += Format(u"%ls%d (%ls)", known.empty() ? u"" : u", ", value, kindSchema->name);
+        Fail(*kind, Format(u"%d is not a kind of %ls; the kinds are %ls", code.GetInt(), schema.name, known));
+        return nullptr;
+    }
+
+    bool Record(const Value& v, const RecordSchema* schemaOrNull, CTsComPtr<ITsProperty>& out, std::uint32_t depth,
                 const std::u16string* resourceName) {
+        if (!schemaOrNull) return false;
+        const RecordSchema& schema = *schemaOrNull;
         if (!Depth(v, depth)) return false;
         if (!v.IsObject()) return Fail(v, Format(u"expected a %ls (an object of its fields)", schema.name));
         if (!schema.create || !schema.create(out) || !out)
@@ -201,7 +224,7 @@ private:
                                              u"\"name\" and \"type\"",
                                              name));
                 if (!Node(item, node, depth + 1)) return false;
-            } else if (!Record(item, *element, node, depth + 1, nullptr)) {
+            } else if (!Record(item, KindOf(item, *element), node, depth + 1, nullptr)) {
                 return false;
             }
             list->InsertChild(kTsAppend, node.Get());

@@ -59,7 +59,7 @@ public:
         CTsComPtr<ITsProperty> fresh;
         if (schema && Conforms(doc.root.Get(), *schema, fresh)) {
             w_.Key(u"fields");
-            Record(doc.root.Get(), fresh.Get(), *schema, &doc.name, 0);
+            Record(doc.root.Get(), fresh.Get(), *schema, &doc.name, {}, 0);
         } else {
             w_.Key(u"root");
             Node(doc.root.Get(), 0);
@@ -138,14 +138,30 @@ private:
         json::WriteValue(w_, v);
     }
 
-    // Writes the fields of `node` that differ from those of `fresh`, a new record of its kind.
+    // The kind of a family that an element is, by the value of its kind field; the schema itself
+    // when it is no family, null when the element names no known kind.
+    static const RecordSchema* KindOf(ITsProperty* item, const RecordSchema& schema) {
+        if (!schema.IsFamily()) return &schema;
+        CTsComPtr<ITsProperty> field;
+        if (FAILED(item->FindChild(TsFindAtom(schema.kindField), 0, field.Put())) || field->GetType() != kTsTypeInt)
+            return nullptr;
+        auto it = schema.kinds.find(ValueOf(field.Get()).GetInt());
+        return it == schema.kinds.end() ? nullptr : it->second;
+    }
+
+    // Writes the fields of `node` that differ from those of `fresh`, a new record of its kind;
+    // `kindField`, when given, is written first whatever its value.
     void Record(ITsProperty* node, ITsProperty* fresh, const RecordSchema& schema, const std::u16string* resourceName,
-                std::uint32_t depth) {
+                std::u16string_view kindField, std::uint32_t depth) {
         if (Deep(depth)) return;
         auto a = Children(node), d = Children(fresh);
         std::vector<std::size_t> written;
         bool inlineLayout = true;
         for (std::size_t i = 0; i < a.size(); ++i) {
+            if (!kindField.empty() && TsGetAtomName(a[i]->GetNameAtom()) == kindField) {
+                written.insert(written.begin(), i);
+                continue;
+            }
             if (a[i]->GetType() == kTsTypeList) {
                 if (PropertyTreesEqual(a[i], d[i])) continue;
                 inlineLayout = false;
@@ -170,9 +186,12 @@ private:
             const RecordSchema* element = schema.ElementOf(name);
             w_.BeginArray();
             for (ITsProperty* item : Children(a[i])) {
+                const RecordSchema* kind = element ? KindOf(item, *element) : nullptr;
                 CTsComPtr<ITsProperty> itemFresh;
-                if (element && Conforms(item, *element, itemFresh)) Record(item, itemFresh.Get(), *element, nullptr, depth + 1);
-                else Node(item, depth + 1);
+                if (kind && Conforms(item, *kind, itemFresh))
+                    Record(item, itemFresh.Get(), *kind, nullptr, element->kindField, depth + 1);
+                else
+                    Node(item, depth + 1);
             }
             w_.EndArray();
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
@@ -25,7 +26,13 @@ struct RecordSchema {
     // The field that holds a resource's own name ("ResRefName"); filled from the resource's name
     // when the short form leaves it out. Empty when the record has none.
     std::u16string nameField;
+    // A family of record kinds told apart by one integer field (a cutscene actor's "Type"):
+    // the kinds by their value of it. The elements of a list whose element schema is a family
+    // state that field, and the kind it names makes them.
+    std::u16string kindField;
+    std::map<std::int32_t, const RecordSchema*> kinds;
 
+    bool IsFamily() const { return !kindField.empty(); }
     const RecordSchema* ElementOf(std::u16string_view list) const {
         auto it = elements.find(list);
         return it == elements.end() ? nullptr : it->second;
