@@ -143,9 +143,6 @@ TS_API void ReloadToolsetConfiguration();
 
 }  // namespace ts
 
-// A value read of a wanted type that the store does not have.
-inline constexpr HRESULT TS_E_NOT_FOUND = TsResult(0x80070490u);
-
 // The configuration store as host calls reach it.
 struct ITsConfiguration : IUnknown {
     TS_INTERFACE_ID("{5B0C2E9D-7A41-4F63-8E1B-3C9D4A6F2B17}");

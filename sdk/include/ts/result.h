@@ -22,3 +22,11 @@ inline constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = TsResult(0x80040111u);
 
 constexpr bool SUCCEEDED(HRESULT hr) { return hr >= 0; }
 constexpr bool FAILED(HRESULT hr) { return hr < 0; }
+
+// Host services' own failures, with the platform's codes for the same conditions.
+inline constexpr HRESULT TS_E_NOT_FOUND = TsResult(0x80070490u);         // no such value, resource or table
+inline constexpr HRESULT TS_E_ALREADY_EXISTS = TsResult(0x800700B7u);    // a resource of that name exists
+inline constexpr HRESULT TS_E_LOCKED = TsResult(0x80070021u);            // locked, or checked out by another
+inline constexpr HRESULT TS_E_VERSION_CONFLICT = TsResult(0x8007054Fu);  // saved by someone else meanwhile
+inline constexpr HRESULT TS_E_BUSY = TsResult(0x800700AAu);              // held by another program
+inline constexpr HRESULT TS_E_DAMAGED = TsResult(0x8007000Du);           // damaged data
