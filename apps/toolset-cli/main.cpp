@@ -1,8 +1,8 @@
 // The command-line host: batch work on a module without a screen.
 #include <cstdio>
-#include <cstring>
 #include <string_view>
 
+#include "cli.h"
 #include "plugins_command.h"
 #include "ts/framework.h"
 #include "ts/hostui.h"
@@ -10,23 +10,13 @@
 
 namespace {
 
-int PrintUsage(std::FILE* to) {
-    std::fputs(
-        "Usage: toolset-cli [--version | --help | info | plugins [folder]]\n"
-        "  info       print the framework's version and the services it offers\n"
-        "  plugins    load the plugins of a folder (default: the host's) and list their classes\n"
-        "  --version  print the version\n",
-        to);
-    return to == stdout ? 0 : 2;
-}
-
 int PrintInfo() {
     std::printf("Mistreach Toolset command-line host %s\n", ts::FrameworkVersion());
     std::printf("Framework services:\n");
     for (const auto& s : ts::FrameworkServices())
         std::printf("  %-12s %s\n", s.name.c_str(), s.description.c_str());
     std::printf("Diagnostic log: %s\n", ts::DiagnosticLogPath().c_str());
-    return 0;
+    return cli::kOk;
 }
 
 }  // namespace
@@ -39,11 +29,24 @@ int main(int argc, char** argv) {
     std::string_view command = argv[1];
     if (command == "--version") {
         std::printf("%s\n", ts::FrameworkVersion());
-        return 0;
+        return cli::kOk;
     }
-    if (command == "--help" || command == "-h") return PrintUsage(stdout);
+    if (command == "--help" || command == "-h") return cli::Usage(stdout);
     if (command == "info") return PrintInfo();
     if (command == "plugins" && argc <= 3) return RunPluginsCommand(argc == 3 ? argv[2] : "");
+    if (command == "module") {
+        if (argc < 3 || std::string_view(argv[2]) != "create") {
+            std::fprintf(stderr, "toolset-cli: the module command is \"module create SOURCES MODULE\"\n");
+            return cli::kUsage;
+        }
+        return cli::ModuleCreate(cli::Split(argc, argv, 3));
+    }
+    auto args = cli::Split(argc, argv, 2);
+    if (command == "list") return cli::List(args);
+    if (command == "export") return cli::Export(args);
+    if (command == "import") return cli::Import(args);
+    if (command == "check") return cli::Check(args);
+    if (command == "report") return cli::Report(args);
     std::fprintf(stderr, "toolset-cli: unknown command \"%s\"\n", argv[1]);
-    return PrintUsage(stderr);
+    return cli::Usage(stderr);
 }

@@ -204,6 +204,13 @@ TEST_F(ShortForm, StatesOnlyWhatDiffersFromTheDefaults) {
 }
 )");
     ExpectSameTree(doc.root.Get(), Read(text, schemas.Lookup()).root.Get());
+
+    // Fields declared without a default are always stated: a transition's target means something
+    // even when it is line 0.
+    auto zero = Read(R"({"resource": "m", "type": "talk", "fields": {"LineList": [{"TransitionList": [{}]}]}})",
+                     schemas.Lookup());
+    ASSERT_TRUE(ts::WriteResourceJsonShort({u"m", u"talk", zero.root}, schemas.Lookup(), text));
+    EXPECT_NE(text.find(R"({"IsLink": false, "LineIndex": 0})"), std::string::npos) << text;
 }
 
 TEST_F(ShortForm, FallsBackToExactNodesWhereTheTreeStrays) {

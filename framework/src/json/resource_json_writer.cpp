@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "json/json_values.h"
 #include "json/json_writer.h"
 #include "property/property_node.h"
@@ -158,16 +160,19 @@ private:
         std::vector<std::size_t> written;
         bool inlineLayout = true;
         for (std::size_t i = 0; i < a.size(); ++i) {
-            if (!kindField.empty() && TsGetAtomName(a[i]->GetNameAtom()) == kindField) {
+            std::u16string name = TsGetAtomName(a[i]->GetNameAtom());
+            if (!kindField.empty() && name == kindField) {
                 written.insert(written.begin(), i);
                 continue;
             }
+            bool always = std::find(schema.alwaysWritten.begin(), schema.alwaysWritten.end(), name) !=
+                          schema.alwaysWritten.end();
             if (a[i]->GetType() == kTsTypeList) {
                 if (PropertyTreesEqual(a[i], d[i])) continue;
                 inlineLayout = false;
             } else {
                 variant value = ValueOf(a[i]);
-                if (value == ValueOf(d[i])) continue;
+                if (value == ValueOf(d[i]) && !always) continue;
                 if (resourceName && TsAccessorGroup(value.type()) == kTsTypeString &&
                     TsGetAtomName(a[i]->GetNameAtom()) == schema.nameField && value.GetString() == *resourceName)
                     continue;  // filled from the resource's name when read back

@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ts/comptr.h"
 #include "ts/property.h"
@@ -31,6 +32,9 @@ struct RecordSchema {
     // state that field, and the kind it names makes them.
     std::u16string kindField;
     std::map<std::int32_t, const RecordSchema*> kinds;
+    // Fields the short form always states, even at their value in a new record: those the record
+    // declares without a default (a transition's target), whose value always means something.
+    std::vector<std::u16string> alwaysWritten;
 
     bool IsFamily() const { return !kindField.empty(); }
     const RecordSchema* ElementOf(std::u16string_view list) const {
