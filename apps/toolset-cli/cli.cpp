@@ -74,8 +74,12 @@ int Usage(std::FILE* to) {
 }
 
 std::unique_ptr<ts::ResourceStore> OpenModule(const std::string& path, bool readOnly) {
+    // Commands that only read still open for writing when they may: the last program to close a
+    // module tidies its log files away, which a read-only connection cannot do. They never write.
     ts::StoreResult result;
-    auto store = ts::OpenSqliteStore(path, {.readOnly = readOnly}, &result);
+    auto store = ts::OpenSqliteStore(path, {}, &result);
+    if (!store && readOnly && result.status == ts::StoreStatus::Failed)
+        store = ts::OpenSqliteStore(path, {.readOnly = true}, &result);
     if (!store) Fail(result.message);
     return store;
 }

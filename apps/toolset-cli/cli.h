@@ -34,7 +34,8 @@ void Print(std::u16string_view text);  // a line on standard output
 int Fail(std::u16string_view message, int code = kFailed);  // a line on standard error, then the code
 int Usage(std::FILE* to);
 
-// Opens an existing module for the command, printing why when it cannot.
+// Opens an existing module for the command, printing why when it cannot. `readOnly` says the
+// command only reads, so a module that cannot be written is still opened.
 std::unique_ptr<ts::ResourceStore> OpenModule(const std::string& path, bool readOnly);
 
 // "tavern.dlg" -> name "tavern", type "dlg".

@@ -13,7 +13,8 @@ namespace cli {
 namespace {
 
 struct ConversationFigures {
-    std::uint32_t starts = 0, npcLines = 0, playerLines = 0, links = 0, comments = 0, ambient = 0;
+    std::uint32_t starts = 0, npcLines = 0, playerLines = 0, links = 0, comments = 0;
+    std::uint32_t ambient = 0;  // lines that start an ambient branch (their own flag)
     std::uint32_t sentForVoiceOver = 0;
 };
 
@@ -58,9 +59,10 @@ std::u16string Describe(ts::ResourceStore& store, const ts::ResourceInfo& info) 
     auto count = [](std::uint32_t n, const char16_t* one, const char16_t* many) {
         return ts::Format(u"%u %ls", n, n == 1 ? one : many);
     };
-    return ts::Format(u"  %ls, %u NPC and %u player lines, %ls, %ls, %u ambient, %u sent for voice-over",
+    return ts::Format(u"  %ls, %u NPC and %u player lines, %ls, %ls, %ls, %u sent for voice-over",
                       count(f.starts, u"start", u"starts"), f.npcLines, f.playerLines, count(f.links, u"link", u"links"),
-                      count(f.comments, u"comment", u"comments"), f.ambient, f.sentForVoiceOver);
+                      count(f.comments, u"comment", u"comments"), count(f.ambient, u"ambient branch", u"ambient branches"),
+                      f.sentForVoiceOver);
 }
 
 }  // namespace

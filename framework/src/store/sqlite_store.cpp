@@ -88,13 +88,13 @@ public:
         sqlite3_extended_result_codes(db_, 1);
         sqlite3_busy_timeout(db_, options.busyTimeoutMs);
         if (options.create) {
-            if (int rc = Exec("PRAGMA journal_mode=WAL"); rc != SQLITE_OK) return Failure(rc, u"Could not create");
+            if (int rc = Exec("PRAGMA journal_mode=WAL"); rc != SQLITE_OK) return OpenFailure(rc, u"create");
             if (int rc = Exec(Format(u"PRAGMA application_id=%d; PRAGMA user_version=%d;", kApplicationId, kSchemaVersion));
                 rc != SQLITE_OK)
-                return Failure(rc, u"Could not create");
+                return OpenFailure(rc, u"create");
             if (int rc = Exec(std::string("BEGIN;") + kSchema + "COMMIT;"); rc != SQLITE_OK) {
                 Exec("ROLLBACK");
-                return Failure(rc, u"Could not create");
+                return OpenFailure(rc, u"create");
             }
         } else {
             std::int64_t id = 0, version = 0;
@@ -102,17 +102,17 @@ public:
             if (rc == SQLITE_OK) rc = QueryInt("PRAGMA user_version", version);
             if ((rc & 0xFF) == SQLITE_NOTADB || (rc == SQLITE_OK && id != kApplicationId))
                 return Problem(StoreStatus::Damaged, Format(u"\"%s\" is not a toolset module", path_));
-            if (rc != SQLITE_OK) return Failure(rc, u"Could not open");
+            if (rc != SQLITE_OK) return OpenFailure(rc, u"open");
             if (version > kSchemaVersion)
                 return Problem(StoreStatus::Failed,
                                Format(u"The module \"%s\" was made by a newer toolset (module format %ld)", path_, version));
             if (!options.readOnly) {
-                if (int r = Exec("PRAGMA journal_mode=WAL"); r != SQLITE_OK) return Failure(r, u"Could not open");
+                if (int r = Exec("PRAGMA journal_mode=WAL"); r != SQLITE_OK) return OpenFailure(r, u"open");
             }
         }
         // Every commit reaches the disk before a save reports success.
         if (int rc = Exec("PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON;"); rc != SQLITE_OK)
-            return Failure(rc, u"Could not open");
+            return OpenFailure(rc, u"open");
         return StoreResult::Success();
     }
 
@@ -456,6 +456,10 @@ private:
         if (rc != SQLITE_ROW) return rc == SQLITE_DONE ? SQLITE_ERROR : rc;
         out = q.Int(0);
         return SQLITE_OK;
+    }
+
+    StoreResult OpenFailure(int rc, const char16_t* verb) {
+        return Problem(StatusOf(rc), Format(u"Could not %ls the module \"%s\": %ls", verb, path_, Reason(db_, rc)));
     }
 
     StoreResult Failure(int rc, const std::u16string& what) {
