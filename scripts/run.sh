@@ -1,9 +1,24 @@
 #!/usr/bin/env bash
-# Builds the toolset (release) and runs its main job.
+# Builds the toolset (release), makes the demo module on first run and runs the command-line
+# host's report on it. With arguments, runs the command-line host with them instead.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 build=${TS_BUILD:-build}
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$build"
-exec "$build/bin/toolset-cli" "$@"
+cli="$build/bin/toolset-cli"
+[[ $# -eq 0 ]] || exec "$cli" "$@"
+
+# The demo module lives in the build folder, made from data/demo; when the sources are newer it
+# is made again, and the previous one is kept beside it (demo.tsmod.bak) in case it was edited.
+demo="$build/demo/demo.tsmod"
+if [[ ! -f "$demo" ]]; then
+    mkdir -p "$(dirname "$demo")"
+    "$cli" module create data/demo "$demo"
+elif [[ -n "$(find data/demo -newer "$demo" -print -quit)" ]]; then
+    cp "$demo" "$demo.bak"
+    echo "run: data/demo changed, so the demo module is made again (the previous one is $demo.bak)"
+    "$cli" module create data/demo "$demo" --force
+fi
+exec "$cli" report "$demo"

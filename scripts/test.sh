@@ -9,3 +9,21 @@ cmake --build "$build"
 export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1}
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
 ctest --test-dir "$build" --output-on-failure "$@"
+
+# The fuzz targets: a build of their own with clang and libFuzzer, each run for a short while on a
+# corpus seeded from the demo module. A finding is kept in $fuzz/artifacts and fails the run.
+fuzz=${TS_FUZZ_BUILD:-build-fuzz}
+seconds=${TS_FUZZ_SECONDS:-20}
+CC=clang CXX=clang++ cmake -S tests/fuzz -B "$fuzz" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build "$fuzz"
+"$fuzz/fuzz_seeds" data/demo "$fuzz/corpus"
+mkdir -p "$fuzz/artifacts" "$fuzz/home"
+home=$(cd "$fuzz/home" && pwd)
+for target in resource_decode:decode text_formats:text; do
+    name=${target%%:*}
+    echo "fuzz_$name: ${seconds} s"
+    XDG_DATA_HOME="$home" "$fuzz/fuzz_$name" -max_total_time="$seconds" \
+        -artifact_prefix="$fuzz/artifacts/" "$fuzz/corpus/${target#*:}" >"$fuzz/$name.log" 2>&1 ||
+        { tail -n 40 "$fuzz/$name.log"; echo "fuzz_$name found a fault (see $fuzz/artifacts)"; exit 1; }
+    grep -E "^Done [0-9]+ runs" "$fuzz/$name.log" || true
+done

@@ -49,6 +49,13 @@ TEST(GameTable, ReadsCellsByColumnNameInRowOrder) {
     std::string csv = table.ToCsv();
     EXPECT_EQ(csv, "ID,Label,Animations\n10,Stand,\"idle_01,idle_02\"\n3,Sit,\"says \"\"hi\"\"\nand waves\"\n-7,,\n");
     EXPECT_EQ(Parse(csv).ToCsv(), csv);
+
+    // A column whose name begins with a byte-order mark (after a blank, so not the file's own)
+    // keeps it through writing and reading.
+    auto marked = Parse(" \xEF\xBB\xBFName\n");
+    ASSERT_EQ(marked.ColumnCount(), 1u);
+    EXPECT_EQ(marked.ColumnName(0), u"\uFEFFName");
+    EXPECT_EQ(Parse(marked.ToCsv()).ColumnName(0), u"\uFEFFName");
 }
 
 TEST(GameTable, BadReadsFailWithTheirReason) {

@@ -186,7 +186,10 @@ std::string GameTable::ToCsv() const {
     std::string out;
     auto cell = [&](const std::u16string& text) {
         std::string s = Utf16ToUtf8(text);
-        bool quote = s.find_first_of(",\"\r\n") != std::string::npos || (!s.empty() && (IsBlank(s.front()) || IsBlank(s.back())));
+        // Quoted too: blanks at the ends, which a plain cell loses, and a leading byte-order mark,
+        // which a reader takes for the file's own when it opens the file.
+        bool quote = s.find_first_of(",\"\r\n") != std::string::npos ||
+                     (!s.empty() && (IsBlank(s.front()) || IsBlank(s.back()))) || s.starts_with("\xEF\xBB\xBF");
         if (!quote) {
             out += s;
             return;
