@@ -65,23 +65,10 @@ PropertyNode* PropertyNode::Create(TsAtom name, std::uint32_t type, std::uint32_
 HRESULT PropertyNode::QueryInterface(REFIID iid, void** object) {
     if (!object) return E_POINTER;
     *object = nullptr;
-    if (iid == kInternalIID) {
-        *object = this;
-        AddRef();
-        return S_OK;
-    }
     if (iid != IUnknown::kIID && iid != ITsProperty::kIID) return E_NOINTERFACE;
     *object = static_cast<ITsProperty*>(this);
     AddRef();
     return S_OK;
-}
-
-PropertyNode* PropertyNode::FromInterface(ITsProperty* node) {
-    void* self = nullptr;
-    if (!node || FAILED(node->QueryInterface(kInternalIID, &self)) || !self) return nullptr;
-    auto* ours = static_cast<PropertyNode*>(self);
-    ours->Release();  // the caller's own reference keeps it alive
-    return ours;
 }
 
 std::u16string_view PropertyNode::RawText() const {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <typeinfo>
 
 #include "ts/property.h"
 
@@ -14,6 +15,10 @@ class PropertyNode final : public ITsProperty {
 public:
     static PropertyNode* Create(TsAtom name, std::uint32_t type, std::uint32_t flags,
                                 std::uint32_t attributes);
+    // The same for a type code the caller has already checked (TsIsKnownTypeCode).
+    static PropertyNode* CreateChecked(TsAtom name, std::uint8_t type, std::uint32_t flags, std::uint32_t attributes) {
+        return new PropertyNode(name, type, flags, attributes);
+    }
 
     HRESULT QueryInterface(REFIID iid, void** object) override;
     std::uint32_t AddRef() override { return ++refs_; }
@@ -47,9 +52,12 @@ public:
 
     // Framework-internal fast paths for the resource codec, which builds and walks millions of
     // nodes and cannot afford a variant per value. Callers keep to the node's type code.
-    static constexpr IID kInternalIID = ::ts::Guid("{3C1E5B0A-8F2D-4E7A-9B16-6D4F0C2A7E91}");
-    // The node behind an interface pointer, or null when it is not one of ours.
-    static PropertyNode* FromInterface(ITsProperty* node);
+
+    // The node behind an interface pointer, or null when it is not one of ours (a node that a
+    // plugin implements itself).
+    static PropertyNode* FromInterface(ITsProperty* node) {
+        return node && typeid(*node) == typeid(PropertyNode) ? static_cast<PropertyNode*>(node) : nullptr;
+    }
 
     std::uint32_t AttributesHandle() const { return attributes_; }
     std::int32_t RawInt() const { return i_; }

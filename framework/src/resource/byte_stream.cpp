@@ -9,10 +9,14 @@ bool IsLow(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 
 void ByteWriter::Text(std::u16string_view text) {
     Varint(static_cast<std::uint32_t>(text.size()));
+    // Room for the worst case (three bytes a unit), written through a pointer, then trimmed.
+    std::size_t at = out_.size();
+    out_.resize(at + text.size() * 3);
+    std::uint8_t* p = out_.data() + at;
     for (std::size_t i = 0; i < text.size(); ++i) {
         char32_t c = text[i];
         if (c < 0x80) {
-            out_.push_back(static_cast<std::uint8_t>(c));
+            *p++ = static_cast<std::uint8_t>(c);
             continue;
         }
         if (IsHigh(text[i]) && i + 1 < text.size() && IsLow(text[i + 1])) {
@@ -21,17 +25,18 @@ void ByteWriter::Text(std::u16string_view text) {
         }
         // Lone surrogates take the three-byte form like any other unit below 0x10000.
         if (c < 0x800) {
-            out_.push_back(static_cast<std::uint8_t>(0xC0 | (c >> 6)));
+            *p++ = static_cast<std::uint8_t>(0xC0 | (c >> 6));
         } else if (c < 0x10000) {
-            out_.push_back(static_cast<std::uint8_t>(0xE0 | (c >> 12)));
-            out_.push_back(static_cast<std::uint8_t>(0x80 | ((c >> 6) & 0x3F)));
+            *p++ = static_cast<std::uint8_t>(0xE0 | (c >> 12));
+            *p++ = static_cast<std::uint8_t>(0x80 | ((c >> 6) & 0x3F));
         } else {
-            out_.push_back(static_cast<std::uint8_t>(0xF0 | (c >> 18)));
-            out_.push_back(static_cast<std::uint8_t>(0x80 | ((c >> 12) & 0x3F)));
-            out_.push_back(static_cast<std::uint8_t>(0x80 | ((c >> 6) & 0x3F)));
+            *p++ = static_cast<std::uint8_t>(0xF0 | (c >> 18));
+            *p++ = static_cast<std::uint8_t>(0x80 | ((c >> 12) & 0x3F));
+            *p++ = static_cast<std::uint8_t>(0x80 | ((c >> 6) & 0x3F));
         }
-        out_.push_back(static_cast<std::uint8_t>(0x80 | (c & 0x3F)));
+        *p++ = static_cast<std::uint8_t>(0x80 | (c & 0x3F));
     }
+    out_.resize(static_cast<std::size_t>(p - out_.data()));
 }
 
 bool ByteReader::Text(char16_t* out, std::uint32_t units) {

@@ -142,7 +142,7 @@ private:
         if (!in.Varint(index)) return Damaged(in, u"a node is cut short");
         if (index >= shapes_.size()) return Damaged(in, Format(u"a node has the unknown shape %u", index));
         const Shape& s = shapes_[index];
-        PropertyNode* node = PropertyNode::Create(s.name, s.type, s.flags, s.attributes);
+        PropertyNode* node = PropertyNode::CreateChecked(s.name, s.type, s.flags, s.attributes);  // checked in Tables()
         // The caller's reference; released below on failure, which frees any children read so far.
         node->AddRef();
         if (!Value(in, node, s, depth)) {

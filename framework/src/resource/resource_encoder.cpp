@@ -76,8 +76,17 @@ private:
         return static_cast<std::uint32_t>(attributeSets_.size() - 1);
     }
 
-    // Shapes are found through the name atom: nearly every atom has exactly one shape.
+    // Shapes are found through the name atom: nearly every atom has exactly one shape, so the
+    // last shape seen for each atom answers almost every lookup.
     std::uint32_t ShapeIndex(const Shape& s) {
+        LastShape& last = lastShape_[s.name - kTsFirstAtom];
+        if (last.type == s.type && last.flags == s.flags && last.attributes == s.attributes) return last.index;
+        std::uint32_t index = FindShape(s);
+        last = {s.type, s.flags, s.attributes, index};
+        return index;
+    }
+
+    std::uint32_t FindShape(const Shape& s) {
         auto& candidates = shapesByAtom_[s.name - kTsFirstAtom];
         for (std::uint32_t index : candidates) {
             const Shape& c = shapes_[index];
@@ -188,6 +197,13 @@ private:
     std::vector<std::uint32_t> attributeSets_;
     std::vector<Shape> shapes_;
     std::vector<std::vector<std::uint32_t>> shapesByAtom_ = std::vector<std::vector<std::uint32_t>>(kAtomSlots);
+    struct LastShape {
+        std::uint32_t type = kNoIndex;  // no type code is this large, so a new slot never matches
+        std::uint32_t flags = 0;
+        std::uint32_t attributes = 0;
+        std::uint32_t index = 0;
+    };
+    std::vector<LastShape> lastShape_ = std::vector<LastShape>(kAtomSlots);
     std::uint32_t nodeCount_ = 0;
 };
 
