@@ -12,6 +12,10 @@ std::vector<FrameworkService> FrameworkServices() {
         {"strings", "host-allocated strings"},
         {"plugins", "plugin loader and host events"},
         {"host-ui", "message boxes and telemetry"},
+        {"resources", "resource format (binary and JSON)"},
+        {"store", "module store: resources, strings, status records, tables (SQLite)"},
+        {"ResMan", "resource manager and table service for plugins"},
+        {"settings", "configuration store (DefaultSettings.xml and the user's settings)"},
     };
 }
 
