@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "support/fake_resource.h"
 #include "support/report_capture.h"
 #include "support/sample_trees.h"
 #include "support/test_folders.h"
@@ -57,16 +58,21 @@ TEST_F(ResourceManagerTest, HandsTreesToEditorsAndSavesWhatTheyWrite) {
     Node tree = ts::test::MakeSampleTree();
     CTsComPtr<ITsResource> created;
     ASSERT_EQ(resman->CreateResource(u"market", u"dlg", tree.Get(), created.Put()), S_OK);
-    EXPECT_EQ(created->GetVersion(), 1);
+    auto version = [&] {
+        ts::ResourceInfo info;
+        EXPECT_EQ(resman->GetResourceInfo(u"market", u"dlg", &info), S_OK);
+        return info.version;
+    };
+    EXPECT_EQ(version(), 1);
 
     CTsComPtr<ITsResource> mine, theirs;
     ASSERT_EQ(resman->OpenResource(u"Market", u"dlg", mine.Put()), S_OK);
     ASSERT_EQ(resman->OpenResource(u"market", u"dlg", theirs.Put()), S_OK);
     CTsHostString name;
     mine->GetName(name.Put());
-    EXPECT_EQ(name.View(), u"market");
+    EXPECT_EQ(name.View(), u"market.dlg");
     Node root;
-    ASSERT_EQ(mine->GetRoot(root.Put()), S_OK);
+    ASSERT_EQ(mine->GetRootProperty(root.Put()), S_OK);
     EXPECT_TRUE(ts::PropertyTreesEqual(root.Get(), tree.Get()));
     EXPECT_NE(root.Get(), tree.Get());  // a copy of its own, decoded from the store
 
@@ -75,24 +81,29 @@ TEST_F(ResourceManagerTest, HandsTreesToEditorsAndSavesWhatTheyWrite) {
     ASSERT_EQ(root->FindChild(TsAddAtom(u"Count"), 0, count.Put()), S_OK);
     count->SetValue(variant(kTsTypeInt, 7));
     ASSERT_EQ(resman->SaveResource(mine.Get()), S_OK);
-    EXPECT_EQ(mine->GetVersion(), 2);
+    EXPECT_EQ(version(), 2);
     ASSERT_EQ(resman->SaveResource(mine.Get()), S_OK);  // and again: its own version moved on
-    EXPECT_EQ(mine->GetVersion(), 3);
+    EXPECT_EQ(version(), 3);
 
     // The other copy was read at version 1: saving it would lose the change.
     EXPECT_EQ(resman->SaveResource(theirs.Get()), TS_E_VERSION_CONFLICT);
     EXPECT_NE(LastError().find(u"after you opened it"), std::u16string::npos) << U8(LastError());
 
-    // An editor that writes a new tree hands it over with SetRoot.
+    // An editor that writes a new tree hands it over with SetRootProperty.
     Node fresh = ts::test::MakeBulkyTree(3);
-    ASSERT_EQ(mine->SetRoot(fresh.Get()), S_OK);
+    ASSERT_EQ(mine->SetRootProperty(fresh.Get()), S_OK);
     ASSERT_EQ(resman->SaveResource(mine.Get()), S_OK);
     CTsComPtr<ITsResource> again;
     ASSERT_EQ(resman->OpenResource(u"market", u"dlg", again.Put()), S_OK);
     Node reread;
-    again->GetRoot(reread.Put());
+    again->GetRootProperty(reread.Put());
     EXPECT_TRUE(ts::PropertyTreesEqual(reread.Get(), fresh.Get()));
-    EXPECT_EQ(again->GetVersion(), 4);
+    EXPECT_EQ(version(), 4);
+
+    // A resource object of some other host cannot be saved here.
+    auto foreign = CTsComObject<ts::test::FakeResource>::Create(u"market.dlg");
+    foreign->SetRootProperty(fresh.Get());
+    EXPECT_EQ(resman->SaveResource(foreign.Get()), E_INVALIDARG);
 
     ts::ResourceInfo info;
     ASSERT_EQ(resman->GetResourceInfo(u"market", u"dlg", &info), S_OK);

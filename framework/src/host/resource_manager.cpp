@@ -15,6 +15,7 @@ struct IResourceObjectPrivate : IUnknown {
     TS_INTERFACE_ID("{9D3F6A21-5C8E-4B07-A1F4-2E6B7C9D0A58}");
     virtual const std::u16string& Name() = 0;
     virtual const std::u16string& Type() = 0;
+    virtual std::int32_t Version() = 0;
     virtual void SetVersion(std::int32_t version) = 0;
 
 protected:
@@ -32,29 +33,24 @@ public:
 
     HRESULT GetName(char16_t** name) override {
         if (!name) return E_POINTER;
-        *name = TsAllocString(name_);
+        *name = TsAllocString(name_ + u"." + type_);
         return S_OK;
     }
-    HRESULT GetResourceType(char16_t** type) override {
-        if (!type) return E_POINTER;
-        *type = TsAllocString(type_);
-        return S_OK;
-    }
-    HRESULT GetRoot(ITsProperty** root) override {
+    HRESULT GetRootProperty(ITsProperty** root) override {
         if (!root) return E_POINTER;
         *root = root_.Get();
         if (*root) (*root)->AddRef();
         return *root ? S_OK : E_FAIL;
     }
-    HRESULT SetRoot(ITsProperty* root) override {
+    HRESULT SetRootProperty(ITsProperty* root) override {
         if (!root) return E_POINTER;
         root_ = CTsComPtr<ITsProperty>(root);
         return S_OK;
     }
-    std::int32_t GetVersion() override { return version_; }
 
     const std::u16string& Name() override { return name_; }
     const std::u16string& Type() override { return type_; }
+    std::int32_t Version() override { return version_; }
     void SetVersion(std::int32_t version) override { version_ = version; }
 
 private:
@@ -158,13 +154,13 @@ public:
         if (FAILED(resource->QueryInterface(IResourceObjectPrivate::kIID, own.PutVoid())))
             return Fail(E_INVALIDARG, u"The resource to save was not opened through this resource manager");
         CTsComPtr<ITsProperty> root;
-        resource->GetRoot(root.Put());
+        resource->GetRootProperty(root.Put());
         std::vector<std::uint8_t> bytes;
         std::u16string error;
         if (!EncodeResource(root.Get(), bytes, &error))
             return Fail(E_INVALIDARG, Format(u"The resource \"%ls\" (%ls) cannot be saved: %ls", own->Name(), own->Type(), error));
-        if (auto r = store_->SaveResource(own->Name(), own->Type(), bytes, resource->GetVersion(), user_); !r) return Fail(r);
-        own->SetVersion(resource->GetVersion() + 1);
+        if (auto r = store_->SaveResource(own->Name(), own->Type(), bytes, own->Version(), user_); !r) return Fail(r);
+        own->SetVersion(own->Version() + 1);
         return S_OK;
     }
 

@@ -8,26 +8,9 @@
 #include "ts/api.h"
 #include "ts/gametable.h"
 #include "ts/property.h"
+#include "ts/resource.h"
 #include "ts/resourcestore.h"
 #include "ts/unknown.h"
-
-// A resource as the host hands it to an editor: its name, type and property tree.
-struct ITsResource : IUnknown {
-    TS_INTERFACE_ID("{4A7D8A46-4CD3-46E3-B10E-DC80FA6B382D}");
-
-    // Newly allocated host strings (TsFreeString).
-    virtual HRESULT GetName(char16_t** name) = 0;
-    virtual HRESULT GetResourceType(char16_t** type) = 0;
-    // The root of the tree, the node a resource agent binds to.
-    virtual HRESULT GetRoot(ITsProperty** root) = 0;
-    // The resource holds `root` from now on: how an editor hands back what it wrote.
-    virtual HRESULT SetRoot(ITsProperty* root) = 0;
-    // The stored version the content was read at, or last saved as.
-    virtual std::int32_t GetVersion() = 0;
-
-protected:
-    ~ITsResource() = default;
-};
 
 // One lookup table of the module (the "2DA" service). Failed reads return an error code and
 // are reported (WARNING) with what was wrong.
@@ -56,12 +39,14 @@ protected:
 struct ITsResourceManager : IUnknown {
     TS_INTERFACE_ID("{7E7EA338-573B-43CF-9731-9A155BE669D9}");
 
-    // Reads and decodes a resource; TS_E_DAMAGED when its content cannot be decoded.
+    // Reads and decodes a resource; TS_E_DAMAGED when its content cannot be decoded. The resource
+    // object (ts/resource.h) names itself "NAME.TYPE" and remembers the version it was read at.
     virtual HRESULT OpenResource(std::u16string_view name, std::u16string_view type, ITsResource** resource) = 0;
     // Stores a new resource with the tree `root`.
     virtual HRESULT CreateResource(std::u16string_view name, std::u16string_view type, ITsProperty* root,
                                    ITsResource** resource) = 0;
-    // Encodes and saves the resource's tree; refused when someone else saved it since it was read.
+    // Encodes and saves the resource's tree (as an editor last set it); refused when someone else
+    // saved it since it was read, or when the resource was not opened through this manager.
     virtual HRESULT SaveResource(ITsResource* resource) = 0;
     virtual HRESULT DeleteResource(std::u16string_view name, std::u16string_view type) = 0;
     virtual HRESULT GetResourceInfo(std::u16string_view name, std::u16string_view type, ts::ResourceInfo* info) = 0;
