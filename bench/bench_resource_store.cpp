@@ -28,7 +28,8 @@ const std::vector<std::uint8_t>& Encoded(int lines) {
 }
 
 void Figures(benchmark::State& state, int lines, std::size_t bytes) {
-    state.counters["lines/s"] = benchmark::Counter(lines, benchmark::Counter::kIsIterationInvariantRate);
+    state.counters["lines/s"] =
+        benchmark::Counter(lines, benchmark::Counter::kIsIterationInvariantRate);
     state.counters["bytes/line"] = static_cast<double>(bytes) / lines;
 }
 
@@ -72,7 +73,8 @@ void BM_Decode(benchmark::State& state) {
     double treeBytes = TreeBytesPerLine(lines);
     for (auto _ : state) {
         CTsComPtr<ITsProperty> root;
-        if (!ts::DecodeResource(bytes, root)) state.SkipWithError("the conversation does not decode");
+        if (!ts::DecodeResource(bytes, root))
+            state.SkipWithError("the conversation does not decode");
         state.PauseTiming();  // freeing the tree is not part of reading it
         root.Reset();
         state.ResumeTiming();
@@ -86,8 +88,10 @@ ts::ResourceStore& Store(int lines) {
     static std::map<int, std::unique_ptr<ts::ResourceStore>> stores;
     auto& store = stores[lines];
     if (!store) {
-        auto path = std::filesystem::temp_directory_path() / ("bench_store_" + std::to_string(lines) + ".tsmod");
-        for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path.string() + suffix);
+        auto path = std::filesystem::temp_directory_path() /
+                    ("bench_store_" + std::to_string(lines) + ".tsmod");
+        for (const char* suffix : {"", "-wal", "-shm"})
+            std::filesystem::remove(path.string() + suffix);
         store = ts::OpenSqliteStore(path.string(), {.create = true});
         store->CreateResource(u"generated", u"dlg", Encoded(lines), u"bench");
     }
@@ -109,7 +113,8 @@ void BM_StoreRead(benchmark::State& state) {
     ts::ResourceStore& store = Store(lines);
     std::vector<std::uint8_t> bytes;
     for (auto _ : state)
-        if (!store.ReadResource(u"generated", u"dlg", bytes)) state.SkipWithError("the read failed");
+        if (!store.ReadResource(u"generated", u"dlg", bytes))
+            state.SkipWithError("the read failed");
     Figures(state, lines, bytes.size());
 }
 

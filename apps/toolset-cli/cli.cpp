@@ -15,8 +15,10 @@ Arguments Split(int argc, char** argv, int first) {
     Arguments args;
     for (int i = first; i < argc; ++i) {
         std::string_view word = argv[i];
-        if (word.size() > 2 && word.substr(0, 2) == "--") args.options.emplace_back(word);
-        else args.words.emplace_back(word);
+        if (word.size() > 2 && word.substr(0, 2) == "--")
+            args.options.emplace_back(word);
+        else
+            args.words.emplace_back(word);
     }
     return args;
 }
@@ -62,13 +64,16 @@ int Usage(std::FILE* to) {
         "                 writes only what differs from the defaults of its records\n"
         "  import MODULE FILE [--replace]\n"
         "                 store a resource from JSON; the name and type come from the document\n"
-        "                 or from a file name NAME.TYPE.json; --replace saves over an existing one\n"
+        "                 or from a file name NAME.TYPE.json; --replace saves over an existing "
+        "one\n"
         "  check MODULE   read and decode every resource and table, and report damage\n"
         "  report MODULE  summarise the module: resources, conversations, tables, strings\n"
-        "  plugins [FOLDER]  load the plugins of a folder (default: the host's) and list their classes\n"
+        "  plugins [FOLDER]  load the plugins of a folder (default: the host's) and list their "
+        "classes\n"
         "  info           the framework's version and services\n"
         "  --version, --help\n"
-        "Exit codes: 0 done, 1 failed (bad input, damaged module, refused change), 2 bad command line.\n",
+        "Exit codes: 0 done, 1 failed (bad input, damaged module, refused change), 2 bad command "
+        "line.\n",
         to);
     return to == stdout ? kOk : kUsage;
 }

@@ -31,7 +31,8 @@ bool Expect(const Arguments& args, std::string_view command, std::size_t min, st
             std::initializer_list<std::string_view> known = {});
 
 void Print(std::u16string_view text);  // a line on standard output
-int Fail(std::u16string_view message, int code = kFailed);  // a line on standard error, then the code
+int Fail(std::u16string_view message,
+         int code = kFailed);  // a line on standard error, then the code
 int Usage(std::FILE* to);
 
 // Opens an existing module for the command, printing why when it cannot. `readOnly` says the

@@ -21,13 +21,14 @@ int Check(const Arguments& args) {
     }
     for (const auto& p : check.tableProblems) Print(u"damaged: " + p);
     if (check.Sound()) {
-        Print(ts::Format(u"The module is sound: %lu resources and %u tables read back whole.", check.resources.size(),
-                         check.tables));
+        Print(ts::Format(u"The module is sound: %lu resources and %u tables read back whole.",
+                         check.resources.size(), check.tables));
         return kOk;
     }
-    return Fail(ts::Format(u"the module is damaged: %lu of %lu resources cannot be read%ls", damaged,
-                           check.resources.size(),
-                           check.storeProblems.empty() ? u"" : u", and the module file itself has damage"));
+    return Fail(
+        ts::Format(u"the module is damaged: %lu of %lu resources cannot be read%ls", damaged,
+                   check.resources.size(),
+                   check.storeProblems.empty() ? u"" : u", and the module file itself has damage"));
 }
 
 }  // namespace cli

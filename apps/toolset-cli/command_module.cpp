@@ -21,8 +21,9 @@ int ModuleCreate(const Arguments& args) {
             return Fail(u"use --force to replace it");
         return Fail(ts::Format(u"the module was not made (%lu problems)", problems.size()));
     }
-    Print(ts::Format(u"Made the module \"%s\": %d resources, %d tables, %d strings, %d status records.", module,
-                     summary.resources, summary.tables, summary.strings, summary.statusRecords));
+    Print(ts::Format(
+        u"Made the module \"%s\": %d resources, %d tables, %d strings, %d status records.", module,
+        summary.resources, summary.tables, summary.strings, summary.statusRecords));
     return kOk;
 }
 

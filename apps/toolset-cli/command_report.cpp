@@ -18,8 +18,8 @@ struct ConversationFigures {
     std::uint32_t sentForVoiceOver = 0;
 };
 
-void CountLines(const CAgentConversation& conversation, TsAtom list, bool npc, ts::ResourceStore& store,
-                ConversationFigures& f) {
+void CountLines(const CAgentConversation& conversation, TsAtom list, bool npc,
+                ts::ResourceStore& store, ConversationFigures& f) {
     std::uint32_t count = conversation.GetPropertyListEntryCount(list);
     (npc ? f.npcLines : f.playerLines) = count;
     for (std::uint32_t i = 0; i < count; ++i) {
@@ -36,11 +36,13 @@ void CountLines(const CAgentConversation& conversation, TsAtom list, bool npc, t
         if (npc && text.empty() && !comment.empty()) ++f.comments;
         if (ambient) ++f.ambient;
         ts::VORecordingStatus vo;
-        if (id >= 0 && store.GetVORecordingStatus(id, vo) && vo.sentForRecordingOn != 0) ++f.sentForVoiceOver;
+        if (id >= 0 && store.GetVORecordingStatus(id, vo) && vo.sentForRecordingOn != 0)
+            ++f.sentForVoiceOver;
         for (std::uint32_t t = 0; t < line.TransitionListCount(); ++t) {
             CTsComPtr<ITsProperty> item;
             bool link = false;
-            if (line.GetTransitionListItem(t, item) && CAgentConversationTransition(item.Get()).GetIsLink(link) && link)
+            if (line.GetTransitionListItem(t, item) &&
+                CAgentConversationTransition(item.Get()).GetIsLink(link) && link)
                 ++f.links;
         }
     }
@@ -50,7 +52,8 @@ std::u16string Describe(ts::ResourceStore& store, const ts::ResourceInfo& info) 
     if (info.type != u"dlg") return {};
     std::vector<std::uint8_t> bytes;
     CTsComPtr<ITsProperty> root;
-    if (!store.ReadResource(info.name, info.type, bytes) || !ts::DecodeResource(bytes, root)) return u"  (cannot be read)";
+    if (!store.ReadResource(info.name, info.type, bytes) || !ts::DecodeResource(bytes, root))
+        return u"  (cannot be read)";
     CAgentConversation conversation(root.Get());
     ConversationFigures f;
     f.starts = conversation.StartListCount();
@@ -60,9 +63,9 @@ std::u16string Describe(ts::ResourceStore& store, const ts::ResourceInfo& info) 
         return ts::Format(u"%u %ls", n, n == 1 ? one : many);
     };
     return ts::Format(u"  %ls, %u NPC and %u player lines, %ls, %ls, %ls, %u sent for voice-over",
-                      count(f.starts, u"start", u"starts"), f.npcLines, f.playerLines, count(f.links, u"link", u"links"),
-                      count(f.comments, u"comment", u"comments"), count(f.ambient, u"ambient branch", u"ambient branches"),
-                      f.sentForVoiceOver);
+                      count(f.starts, u"start", u"starts"), f.npcLines, f.playerLines,
+                      count(f.links, u"link", u"links"), count(f.comments, u"comment", u"comments"),
+                      count(f.ambient, u"ambient branch", u"ambient branches"), f.sentForVoiceOver);
 }
 
 }  // namespace
@@ -83,11 +86,12 @@ int Report(const Arguments& args) {
     Print(ts::Format(u"\nResources: %lu", list.size()));
     for (const auto& [type, resources] : byType) {
         std::u16string_view description = ts::ResourceTypeDescription(type);
-        Print(ts::Format(u"  %ls (%ls): %lu", type, description.empty() ? u"unknown type" : description,
-                         resources.size()));
+        Print(ts::Format(u"  %ls (%ls): %lu", type,
+                         description.empty() ? u"unknown type" : description, resources.size()));
         for (const auto* info : resources) {
             std::u16string state;
-            if (!info->checkedOutBy.empty()) state += ts::Format(u", checked out by %ls", info->checkedOutBy);
+            if (!info->checkedOutBy.empty())
+                state += ts::Format(u", checked out by %ls", info->checkedOutBy);
             if (info->locked) state += u", locked";
             Print(ts::Format(u"    %ls  (version %d, %ld bytes%ls)%ls", info->name, info->version,
                              static_cast<long>(info->size), state, Describe(*store, *info)));
@@ -99,8 +103,11 @@ int Report(const Arguments& args) {
     Print(ts::Format(u"\nTables: %lu", tables.size()));
     for (const auto& name : tables) {
         ts::GameTable table;
-        if (auto r = store->ReadTable(name, table); !r) Print(u"  " + name + u": " + r.message);
-        else Print(ts::Format(u"  %ls: %lu rows, %lu columns", name, table.RowCount(), table.ColumnCount()));
+        if (auto r = store->ReadTable(name, table); !r)
+            Print(u"  " + name + u": " + r.message);
+        else
+            Print(ts::Format(u"  %ls: %lu rows, %lu columns", name, table.RowCount(),
+                             table.ColumnCount()));
     }
 
     std::vector<ts::LocalizedString> strings;
@@ -112,10 +119,12 @@ int Report(const Arguments& args) {
         ids.insert(s.stringId);
         languages.insert(s.language);
     }
-    Print(ts::Format(u"\nStrings: %lu texts of %lu string ids in %lu languages; %ld voice-over and %ld localization "
-                     u"status records",
-                     strings.size(), ids.size(), languages.size(), static_cast<long>(vo),
-                     static_cast<long>(localization)));
+    Print(
+        ts::Format(u"\nStrings: %lu texts of %lu string ids in %lu languages; %ld voice-over and "
+                   u"%ld localization "
+                   u"status records",
+                   strings.size(), ids.size(), languages.size(), static_cast<long>(vo),
+                   static_cast<long>(localization)));
 
     ts::ModuleCheck check = ts::CheckModule(*store);
     if (check.Sound()) {

@@ -20,7 +20,8 @@ int List(const Arguments& args) {
     if (auto r = store->ListResources(type, list); !r) return Fail(r.message);
     for (const auto& info : list) {
         std::u16string state;
-        if (!info.checkedOutBy.empty()) state += ts::Format(u"  checked out by %ls", info.checkedOutBy);
+        if (!info.checkedOutBy.empty())
+            state += ts::Format(u"  checked out by %ls", info.checkedOutBy);
         if (info.locked) state += u"  locked";
         Print(ts::Format(u"%ls.%ls  version %d  %ld bytes%ls", info.name, info.type, info.version,
                          static_cast<long>(info.size), state));
@@ -32,8 +33,10 @@ int Export(const Arguments& args) {
     if (!Expect(args, "export", 2, 3, {"--short"})) return kUsage;
     std::u16string name, type;
     if (!SplitResourceName(args.words[1], name, type))
-        return Fail(ts::Format(u"\"%s\" does not name a resource as NAME.TYPE (for example tavern.dlg)", args.words[1]),
-                    kUsage);
+        return Fail(
+            ts::Format(u"\"%s\" does not name a resource as NAME.TYPE (for example tavern.dlg)",
+                       args.words[1]),
+            kUsage);
     auto store = OpenModule(args.words[0], true);
     if (!store) return kFailed;
     std::vector<std::uint8_t> bytes;
@@ -42,10 +45,12 @@ int Export(const Arguments& args) {
     ts::ResourceDocument doc{info.name, info.type, {}};
     std::u16string error;
     if (!ts::DecodeResource(bytes, doc.root, &error))
-        return Fail(ts::Format(u"the resource \"%ls\" (%ls) cannot be read: %ls", name, type, error));
+        return Fail(
+            ts::Format(u"the resource \"%ls\" (%ls) cannot be read: %ls", name, type, error));
     std::string text;
-    bool written = args.Has("--short") ? ts::WriteResourceJsonShort(doc, ts::ResourceSchemas(), text, &error)
-                                       : ts::WriteResourceJson(doc, text, &error);
+    bool written = args.Has("--short")
+                       ? ts::WriteResourceJsonShort(doc, ts::ResourceSchemas(), text, &error)
+                       : ts::WriteResourceJson(doc, text, &error);
     if (!written) return Fail(error);
     if (args.words.size() < 3 || args.words[2] == "-") {
         std::fwrite(text.data(), 1, text.size(), stdout);
@@ -90,7 +95,8 @@ int Import(const Arguments& args) {
     if (!ts::ReadResourceJson(text.str(), doc, &error, ts::ResourceSchemas()))
         return Fail(ts::Format(u"%s: %ls", file, error));
     std::vector<std::uint8_t> bytes;
-    if (!ts::EncodeResource(doc.root.Get(), bytes, &error)) return Fail(ts::Format(u"%s: %ls", file, error));
+    if (!ts::EncodeResource(doc.root.Get(), bytes, &error))
+        return Fail(ts::Format(u"%s: %ls", file, error));
 
     auto store = OpenModule(args.words[0], false);
     if (!store) return kFailed;
@@ -98,12 +104,15 @@ int Import(const Arguments& args) {
     bool exists = bool(store->GetResourceInfo(doc.name, doc.type, existing));
     ts::StoreResult r;
     if (exists && !args.Has("--replace"))
-        return Fail(ts::Format(u"the module already has the resource \"%ls\" (%ls); use --replace to save over it",
-                               existing.name, existing.type));
-    r = exists ? store->SaveResource(doc.name, doc.type, bytes, ts::kAnyVersion, ts::CurrentUserName())
-               : store->CreateResource(doc.name, doc.type, bytes, ts::CurrentUserName());
+        return Fail(ts::Format(
+            u"the module already has the resource \"%ls\" (%ls); use --replace to save over it",
+            existing.name, existing.type));
+    r = exists
+            ? store->SaveResource(doc.name, doc.type, bytes, ts::kAnyVersion, ts::CurrentUserName())
+            : store->CreateResource(doc.name, doc.type, bytes, ts::CurrentUserName());
     if (!r) return Fail(r.message);
-    Print(ts::Format(u"%ls %ls.%ls (%lu bytes).", exists ? u"Replaced" : u"Imported", doc.name, doc.type, bytes.size()));
+    Print(ts::Format(u"%ls %ls.%ls (%lu bytes).", exists ? u"Replaced" : u"Imported", doc.name,
+                     doc.type, bytes.size()));
     return kOk;
 }
 

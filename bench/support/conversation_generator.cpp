@@ -12,9 +12,10 @@ namespace ts::bench {
 namespace {
 
 constexpr const char* kWords[] = {
-    "the",   "tide",  "lantern", "caravan", "north",  "road",   "keeper", "fog",    "never", "again", "coin",
-    "blade", "harbour", "storm", "brother", "wagon",  "map",    "light",  "tonight", "ale",  "reeve", "guard",
-    "why",   "would", "you",     "ask",     "me",     "about",  "that",   "old",    "house", "cliff", "and",
+    "the",     "tide", "lantern", "caravan", "north", "road",    "keeper", "fog", "never",
+    "again",   "coin", "blade",   "harbour", "storm", "brother", "wagon",  "map", "light",
+    "tonight", "ale",  "reeve",   "guard",   "why",   "would",   "you",    "ask", "me",
+    "about",   "that", "old",     "house",   "cliff", "and",
 };
 constexpr const char16_t* kSpeakers[] = {u"orla", u"brannoc", u"harbour_guard", u"teodor", u""};
 
@@ -54,10 +55,12 @@ private:
             int children = npc ? 1 + Pick(3) : (Pick(10) == 0 ? 2 : 1);
             children = std::min(children, left);
             for (int c = 0; c < children; ++c) {
-                int share = c + 1 == children ? left : std::max(1, left / (children - c) + Pick(3) - 1);
+                int share =
+                    c + 1 == children ? left : std::max(1, left / (children - c) + Pick(3) - 1);
                 share = std::min(share, left - (children - c - 1));
                 int child = Add(!npc, share);
-                (npc ? npc_ : player_)[static_cast<std::size_t>(index)].transitions.push_back({false, child});
+                (npc ? npc_ : player_)[static_cast<std::size_t>(index)].transitions.push_back(
+                    {false, child});
                 left -= share;
             }
         }
@@ -88,7 +91,8 @@ private:
         } else {
             agent.SetText(line.npc ? Text(8, 30) : Text(2, 9));
         }
-        agent.SetSpeaker(line.npc ? kSpeakers[Pick(static_cast<int>(std::size(kSpeakers)))] : u"PLAYER");
+        agent.SetSpeaker(line.npc ? kSpeakers[Pick(static_cast<int>(std::size(kSpeakers)))]
+                                  : u"PLAYER");
         if (Pick(12) == 0) {
             agent.SetConditionPlotURI(u"plt_missing_caravan");
             agent.SetConditionPlotFlag(Pick(4));
@@ -141,7 +145,8 @@ private:
                     transition.SetLineIndex(target);
                     agent.AddItemToPropertyList(transition, u"TransitionList");
                 }
-                conversation.AddItemToPropertyList(agent, line.npc ? u"NPCLineList" : u"PlayerLineList");
+                conversation.AddItemToPropertyList(agent,
+                                                   line.npc ? u"NPCLineList" : u"PlayerLineList");
             }
         }
         return CTsComPtr<ITsProperty>(conversation.GetNode());

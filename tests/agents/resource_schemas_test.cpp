@@ -17,13 +17,16 @@ namespace {
 
 using Node = CTsComPtr<ITsProperty>;
 
-std::string U8(const std::u16string& s) { return ts::Utf16ToUtf8(s); }
+std::string U8(const std::u16string& s) {
+    return ts::Utf16ToUtf8(s);
+}
 
 Node ReadShort(const std::string& type, const std::string& fields) {
     std::string text = R"({"resource": "r", "type": ")" + type + R"(", "fields": )" + fields + "}";
     ts::ResourceDocument doc;
     std::u16string error;
-    EXPECT_TRUE(ts::ReadResourceJson(text, doc, &error, ts::ResourceSchemas())) << U8(error) << "\n" << text;
+    EXPECT_TRUE(ts::ReadResourceJson(text, doc, &error, ts::ResourceSchemas())) << U8(error) << "\n"
+                                                                                << text;
     return doc.root;
 }
 
@@ -45,7 +48,8 @@ Node FirstOf(ITsProperty* record, const char16_t* list) {
 
 void ExpectSame(ITsProperty* a, ITsProperty* b, const std::string& what) {
     std::u16string difference;
-    EXPECT_TRUE(a && b && ts::PropertyTreesEqual(a, b, &difference)) << what << ": " << U8(difference);
+    EXPECT_TRUE(a && b && ts::PropertyTreesEqual(a, b, &difference))
+        << what << ": " << U8(difference);
 }
 
 // Every resource type's empty short form is the record its agent makes, named after the
@@ -56,8 +60,9 @@ TEST(ResourceSchemas, AnEmptyRecordIsTheAgentsNewRecord) {
         Node (*made)();
     };
     const Case cases[] = {
-        {"dlg", &Made<CAgentConversation>}, {"stg", &Made<CAgentStage>}, {"cut", &Made<CAgentCutscene>},
-        {"plo", &Made<CAgentPlot>},         {"utc", &Made<CAgentCreature>}, {"are", &Made<CAgentArea>},
+        {"dlg", &Made<CAgentConversation>}, {"stg", &Made<CAgentStage>},
+        {"cut", &Made<CAgentCutscene>},     {"plo", &Made<CAgentPlot>},
+        {"utc", &Made<CAgentCreature>},     {"are", &Made<CAgentArea>},
         {"nss", &Made<CAgentScript>},
     };
     for (const auto& c : cases) {
@@ -83,32 +88,57 @@ TEST(ResourceSchemas, ListElementsAreMadeByTheirKindsAgent) {
         {"dlg", R"({"StartList": [{}]})", {u"StartList"}, &Made<CAgentConversationStart>},
         {"dlg", R"({"NPCLineList": [{}]})", {u"NPCLineList"}, &Made<CAgentConversationLine>},
         {"dlg", R"({"PlayerLineList": [{}]})", {u"PlayerLineList"}, &Made<CAgentConversationLine>},
-        {"dlg", R"({"CinematicsInfoList": [{}]})", {u"CinematicsInfoList"}, &Made<CAgentConversationCinematicsInfo>},
-        {"dlg", R"({"PreviewTagMappingList": [{}]})", {u"PreviewTagMappingList"}, &Made<CAgentConversationTagMapEntry>},
-        {"dlg", R"({"NPCLineList": [{"TransitionList": [{}]}]})", {u"NPCLineList", u"TransitionList"},
+        {"dlg",
+         R"({"CinematicsInfoList": [{}]})",
+         {u"CinematicsInfoList"},
+         &Made<CAgentConversationCinematicsInfo>},
+        {"dlg",
+         R"({"PreviewTagMappingList": [{}]})",
+         {u"PreviewTagMappingList"},
+         &Made<CAgentConversationTagMapEntry>},
+        {"dlg",
+         R"({"NPCLineList": [{"TransitionList": [{}]}]})",
+         {u"NPCLineList", u"TransitionList"},
          &Made<CAgentConversationTransition>},
-        {"dlg", R"({"NPCLineList": [{"AnimationListList": [{"AnimationList": [{}]}]}]})",
-         {u"NPCLineList", u"AnimationListList", u"AnimationList"}, &Made<CAgentConversationAnimation>},
+        {"dlg",
+         R"({"NPCLineList": [{"AnimationListList": [{"AnimationList": [{}]}]}]})",
+         {u"NPCLineList", u"AnimationListList", u"AnimationList"},
+         &Made<CAgentConversationAnimation>},
         {"stg", R"({"PlaceList": [{}]})", {u"PlaceList"}, &Made<CAgentStagePlace>},
         {"stg", R"({"CameraList": [{}]})", {u"CameraList"}, &Made<CAgentStageCamera>},
         {"plo", R"({"StatusList": [{}]})", {u"StatusList"}, &Made<CAgentPlotStatus>},
         {"are", R"({"ObjectList": [{}]})", {u"ObjectList"}, &Made<CAgentAreaObject>},
         {"cut", R"({"ActorList": [{"Type": 1}]})", {u"ActorList"}, &Made<CAgentCutsceneMaster>},
         {"cut", R"({"ActorList": [{"Type": 2}]})", {u"ActorList"}, &Made<CAgentCutsceneCamera>},
-        {"cut", R"({"HenchmanActorList": [{"Type": 3}]})", {u"HenchmanActorList"}, &Made<CAgentCutsceneCreature>},
+        {"cut",
+         R"({"HenchmanActorList": [{"Type": 3}]})",
+         {u"HenchmanActorList"},
+         &Made<CAgentCutsceneCreature>},
         {"cut", R"({"ActorList": [{"Type": 9}]})", {u"ActorList"}, &Made<CAgentCutsceneVFX>},
-        {"cut", R"({"ActorList": [{"Type": 3, "ActionTransitionList": [{}]}]})", {u"ActorList", u"ActionTransitionList"},
+        {"cut",
+         R"({"ActorList": [{"Type": 3, "ActionTransitionList": [{}]}]})",
+         {u"ActorList", u"ActionTransitionList"},
          &Made<CAgentCutsceneActionTransition>},
-        {"cut", R"({"ActorList": [{"Type": 3, "TrackList": [{}]}]})", {u"ActorList", u"TrackList"},
+        {"cut",
+         R"({"ActorList": [{"Type": 3, "TrackList": [{}]}]})",
+         {u"ActorList", u"TrackList"},
          &Made<CAgentCutsceneTrack>},
-        {"cut", R"({"ActorList": [{"Type": 3, "TrackList": [{"CurveList": [{"KeyList": [{}]}]}]}]})",
-         {u"ActorList", u"TrackList", u"CurveList", u"KeyList"}, &Made<CAgentCutsceneCurveKey>},
-        {"cut", R"({"ActorList": [{"Type": 3, "TrackList": [{"ActionList": [{"ActionType": 3}]}]}]})",
-         {u"ActorList", u"TrackList", u"ActionList"}, &Made<CAgentCutsceneActionSpeakLine>},
-        {"cut", R"({"ActorList": [{"Type": 2, "TrackList": [{"ActionList": [{"ActionType": 38}]}]}]})",
-         {u"ActorList", u"TrackList", u"ActionList"}, &Made<CAgentCutsceneActionSkipMarker>},
-        {"cut", R"({"ActorList": [{"Type": 2, "TrackList": [{"ActionList": [{"ActionType": 2, "CurveList": [{}]}]}]}]})",
-         {u"ActorList", u"TrackList", u"ActionList", u"CurveList"}, &Made<CAgentCutsceneCurve>},
+        {"cut",
+         R"({"ActorList": [{"Type": 3, "TrackList": [{"CurveList": [{"KeyList": [{}]}]}]}]})",
+         {u"ActorList", u"TrackList", u"CurveList", u"KeyList"},
+         &Made<CAgentCutsceneCurveKey>},
+        {"cut",
+         R"({"ActorList": [{"Type": 3, "TrackList": [{"ActionList": [{"ActionType": 3}]}]}]})",
+         {u"ActorList", u"TrackList", u"ActionList"},
+         &Made<CAgentCutsceneActionSpeakLine>},
+        {"cut",
+         R"({"ActorList": [{"Type": 2, "TrackList": [{"ActionList": [{"ActionType": 38}]}]}]})",
+         {u"ActorList", u"TrackList", u"ActionList"},
+         &Made<CAgentCutsceneActionSkipMarker>},
+        {"cut",
+         R"({"ActorList": [{"Type": 2, "TrackList": [{"ActionList": [{"ActionType": 2, "CurveList": [{}]}]}]}]})",
+         {u"ActorList", u"TrackList", u"ActionList", u"CurveList"},
+         &Made<CAgentCutsceneCurve>},
     };
     for (const auto& c : cases) {
         Node node = ReadShort(c.type, c.fields);
@@ -121,14 +151,17 @@ TEST(ResourceSchemas, ListElementsAreMadeByTheirKindsAgent) {
 TEST(ResourceSchemas, EveryActorAndActionKindSurvivesTheShortForm) {
     std::string actions;
     for (int code : {2, 3, 4, 7, 8, 12, 13, 15, 16, 19, 20, 24, 26, 29, 31, 32, 35, 36, 37, 38})
-        actions += (actions.empty() ? "" : ", ") + std::string(R"({"ActionType": )") + std::to_string(code) +
-                   R"(, "StartTime": )" + std::to_string(code * 10) + "}";
+        actions += (actions.empty() ? "" : ", ") + std::string(R"({"ActionType": )") +
+                   std::to_string(code) + R"(, "StartTime": )" + std::to_string(code * 10) + "}";
     Node tree = ReadShort("cut", R"({"ActorList": [{"Type": 1}, {"Type": 2, "FOV": 50},
-        {"Type": 9, "ModelScale": 2}, {"Type": 3, "Pose": 4, "TrackList": [{"ActionList": [)" + actions + "]}]}]}");
+        {"Type": 9, "ModelScale": 2}, {"Type": 3, "Pose": 4, "TrackList": [{"ActionList": [)" +
+                                     actions + "]}]}]}");
     ASSERT_TRUE(tree);
     std::string text;
     std::u16string error;
-    ASSERT_TRUE(ts::WriteResourceJsonShort({u"r", u"cut", tree}, ts::ResourceSchemas(), text, &error)) << U8(error);
+    ASSERT_TRUE(
+        ts::WriteResourceJsonShort({u"r", u"cut", tree}, ts::ResourceSchemas(), text, &error))
+        << U8(error);
     EXPECT_EQ(text.find("\"root\""), std::string::npos);  // short throughout
     EXPECT_EQ(text.find("\"name\": "), std::string::npos) << text;
     ts::ResourceDocument back;
@@ -138,7 +171,8 @@ TEST(ResourceSchemas, EveryActorAndActionKindSurvivesTheShortForm) {
     auto bad = R"({"resource": "r", "type": "cut", "fields": {"ActorList": [{"Type": 4}]}})";
     ts::ResourceDocument doc;
     EXPECT_FALSE(ts::ReadResourceJson(bad, doc, &error, ts::ResourceSchemas()));
-    EXPECT_NE(error.find(u"4 is not a kind of cutscene actor; the kinds are 1 (master), 2 (camera), 3 (creature), 9 "
+    EXPECT_NE(error.find(u"4 is not a kind of cutscene actor; the kinds are 1 (master), 2 "
+                         u"(camera), 3 (creature), 9 "
                          u"(visual effect)"),
               std::u16string::npos)
         << U8(error);

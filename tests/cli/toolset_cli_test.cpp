@@ -16,7 +16,9 @@ namespace fs = std::filesystem;
 using ts::test::CliRun;
 using ts::test::RunCli;
 
-bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+bool Has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
 
 std::string Slurp(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
@@ -50,7 +52,8 @@ protected:
     std::vector<std::string> ResourceNames(const std::string& module) {
         std::vector<std::string> names;
         std::istringstream lines(RunCli({"list", module}).out);
-        for (std::string line; std::getline(lines, line);) names.push_back(line.substr(0, line.find("  ")));
+        for (std::string line; std::getline(lines, line);)
+            names.push_back(line.substr(0, line.find("  ")));
         return names;
     }
 };
@@ -84,7 +87,8 @@ TEST_F(ToolsetCli, ExportAndImportCarryEveryDemoResourceUnchanged) {
     std::string file = folder + "/orla.utc.json";
     CliRun again = RunCli({"import", copy, file});
     EXPECT_EQ(again.exitCode, 1);
-    EXPECT_TRUE(Has(again.err, "already has the resource \"orla\" (utc); use --replace")) << again.err;
+    EXPECT_TRUE(Has(again.err, "already has the resource \"orla\" (utc); use --replace"))
+        << again.err;
     CliRun replaced = RunCli({"import", copy, file, "--replace"});
     EXPECT_EQ(replaced.exitCode, 0) << replaced.err;
     EXPECT_TRUE(Has(RunCli({"list", copy, "utc"}).out, "orla.utc  version 2"));
@@ -100,7 +104,9 @@ TEST_F(ToolsetCli, TheReportSummarisesTheModule) {
     EXPECT_TRUE(Has(report.out, "Module \"Demo: The Drowned Lantern\" (id 1)")) << report.out;
     EXPECT_TRUE(Has(report.out, "dlg (conversation): 2"));
     EXPECT_TRUE(Has(report.out, "orla_welcome  (version 1,"));
-    EXPECT_TRUE(Has(report.out, "3 starts, 10 NPC and 10 player lines, 5 links, 1 comment, 1 ambient branch, 6 sent for voice-over"));
+    EXPECT_TRUE(Has(report.out,
+                    "3 starts, 10 NPC and 10 player lines, 5 links, 1 comment, 1 ambient branch, 6 "
+                    "sent for voice-over"));
     EXPECT_TRUE(Has(report.out, "toolset_dlglang: 3 rows, 3 columns"));
     EXPECT_TRUE(Has(report.out, "Check: every resource and table reads back whole."));
 }
@@ -122,11 +128,14 @@ TEST_F(ToolsetCli, CheckFindsDamageWithoutTouchingOtherResources) {
 
     CliRun checked = RunCli({"check", demo});
     EXPECT_EQ(checked.exitCode, 1);
-    EXPECT_TRUE(Has(checked.out, "damaged  orla.utc: The resource is damaged: its checksum does not match its content"))
+    EXPECT_TRUE(
+        Has(checked.out,
+            "damaged  orla.utc: The resource is damaged: its checksum does not match its content"))
         << checked.out;
     EXPECT_TRUE(Has(checked.out, "ok       brannoc.utc")) << checked.out;
     EXPECT_TRUE(Has(checked.out, "ok       orla_welcome.dlg")) << checked.out;
-    EXPECT_TRUE(Has(checked.err, "the module is damaged: 1 of 16 resources cannot be read")) << checked.err;
+    EXPECT_TRUE(Has(checked.err, "the module is damaged: 1 of 16 resources cannot be read"))
+        << checked.err;
     EXPECT_EQ(fs::last_write_time(demo), before);  // a check writes nothing
     EXPECT_EQ(RunCli({"report", demo}).exitCode, 1);
 
@@ -140,7 +149,8 @@ TEST_F(ToolsetCli, ATruncatedOrForeignModuleIsReportedNotCrashedOn) {
     std::string bytes = Slurp(demo);
     for (double keep : {0.6, 0.1}) {
         std::string cut = folder + "/cut.tsmod";
-        std::ofstream(cut, std::ios::binary | std::ios::trunc) << bytes.substr(0, static_cast<std::size_t>(bytes.size() * keep));
+        std::ofstream(cut, std::ios::binary | std::ios::trunc)
+            << bytes.substr(0, static_cast<std::size_t>(bytes.size() * keep));
         CliRun checked = RunCli({"check", cut});
         EXPECT_EQ(checked.exitCode, 1) << keep << "\n" << checked.out << checked.err;
         EXPECT_TRUE(Has(checked.out + checked.err, "damaged")) << checked.out << checked.err;
@@ -168,10 +178,16 @@ TEST_F(ToolsetCli, BadInputGetsAClearMessageAndAnExitCode) {
         {{"list", folder + "/missing.tsmod"}, 1, "does not exist"},
         {{"export", demo, "nothing.dlg"}, 1, "There is no resource \"nothing\" of type \"dlg\""},
         {{"export", demo, "orla_welcome"}, 2, "does not name a resource as NAME.TYPE"},
-        {{"import", demo, bad}, 1, "bad.dlg.json: line 1, column 37: a conversation line has no field \"Txt\""},
+        {{"import", demo, bad},
+         1,
+         "bad.dlg.json: line 1, column 37: a conversation line has no field \"Txt\""},
         {{"import", demo, folder + "/nothing.json"}, 1, "cannot be read"},
-        {{"module", "create", sources, folder + "/new.tsmod"}, 1, "tables/poses.csv: line 2: a quoted cell is not closed"},
-        {{"module", "create", ts::ApplicationDataFolder() + "/demo", demo}, 1, "use --force to replace it"},
+        {{"module", "create", sources, folder + "/new.tsmod"},
+         1,
+         "tables/poses.csv: line 2: a quoted cell is not closed"},
+        {{"module", "create", ts::ApplicationDataFolder() + "/demo", demo},
+         1,
+         "use --force to replace it"},
         {{"check"}, 2, "check takes more arguments"},
         {{"list", demo, "dlg", "extra"}, 2, "list takes fewer arguments"},
         {{"export", demo, "orla.utc", "--brief"}, 2, "export does not know the option --brief"},
@@ -181,7 +197,8 @@ TEST_F(ToolsetCli, BadInputGetsAClearMessageAndAnExitCode) {
     for (const auto& c : cases) {
         CliRun run = RunCli(c.args);
         EXPECT_EQ(run.exitCode, c.exitCode) << c.args[0] << " " << run.err;
-        EXPECT_TRUE(Has(run.err, c.message)) << c.args[0] << "\n  wanted: " << c.message << "\n  got: " << run.err;
+        EXPECT_TRUE(Has(run.err, c.message))
+            << c.args[0] << "\n  wanted: " << c.message << "\n  got: " << run.err;
     }
     EXPECT_FALSE(fs::exists(folder + "/new.tsmod"));
     CliRun help = RunCli({"--help"});

@@ -13,7 +13,9 @@
 
 namespace {
 
-std::string U8(const std::u16string& s) { return ts::Utf16ToUtf8(s); }
+std::string U8(const std::u16string& s) {
+    return ts::Utf16ToUtf8(s);
+}
 
 constexpr const char* kDefaults = R"(<?xml version="1.0" encoding="UTF-8"?>
 <Settings Version="1">
@@ -65,8 +67,10 @@ TEST(Configuration, ReadsTypedValuesAndLetsTheUserOverrideThem) {
     EXPECT_FALSE(c.GetInt(u"Common\\DlgEditor", u"Nothing", kept, &error));
     EXPECT_EQ(error, u"The settings have no value \"Nothing\" in the group \"Common\\DlgEditor\"");
     EXPECT_FALSE(c.GetInt(u"Common\\DlgEditor", u"Broken", kept, &error));
-    EXPECT_EQ(error, u"The setting \"Broken\" of the group \"Common\\DlgEditor\" (DefaultSettings.xml, line 10) is not a "
-                     u"whole number: \"twelve\"");
+    EXPECT_EQ(error,
+              u"The setting \"Broken\" of the group \"Common\\DlgEditor\" (DefaultSettings.xml, "
+              u"line 10) is not a "
+              u"whole number: \"twelve\"");
     EXPECT_FALSE(c.GetColour(u"Common\\DlgEditor", u"MaxHenchmen", colour));
     EXPECT_FALSE(c.GetBool(u"Common\\DlgEditor", u"FXAName", skip));
     EXPECT_EQ(kept, 99);
@@ -104,22 +108,32 @@ TEST(Configuration, AFaultyFileIsRefusedWholeWithItsLine) {
         const char16_t* error;
     };
     const Case cases[] = {
-        {"<Settings><Group Name=\"G\"><Value Key=\"K\">1</Value></Group>", u"user.xml, line 1, column "},
-        {"<Settings>\n<Group Name=\"G\">\n<Vaule Key=\"K\">1</Vaule></Group></Settings>", u"user.xml, line 3: <Vaule> is not expected here"},
-        {"<Settings><Group><Value Key=\"K\">1</Value></Group></Settings>", u"user.xml, line 1: <Group> needs the attribute \"Name\""},
-        {"<Settings><Group Name=\"G\" Colour=\"x\"/></Settings>", u"user.xml, line 1: <Group> has no attribute \"Colour\""},
-        {"<Settings Version=\"2\"/>", u"user.xml, line 1: the settings are of version 2; this toolset reads version 1"},
+        {"<Settings><Group Name=\"G\"><Value Key=\"K\">1</Value></Group>",
+         u"user.xml, line 1, column "},
+        {"<Settings>\n<Group Name=\"G\">\n<Vaule Key=\"K\">1</Vaule></Group></Settings>",
+         u"user.xml, line 3: <Vaule> is not expected here"},
+        {"<Settings><Group><Value Key=\"K\">1</Value></Group></Settings>",
+         u"user.xml, line 1: <Group> needs the attribute \"Name\""},
+        {"<Settings><Group Name=\"G\" Colour=\"x\"/></Settings>",
+         u"user.xml, line 1: <Group> has no attribute \"Colour\""},
+        {"<Settings Version=\"2\"/>",
+         u"user.xml, line 1: the settings are of version 2; this toolset reads version 1"},
         {"<Preferences/>", u"user.xml, line 1: the root element is <Preferences>"},
         {"<Settings>\nloose text</Settings>", u"user.xml, line 2: text outside a <Value>"},
-        {"<Settings><Menus Name=\"M\"><Command/></Menus></Settings>", u"user.xml, line 1: <Command> needs the attribute \"Name\""},
-        {"<Settings><Group Name=\"G\"><Value Key=\"A\">1<Value Key=\"B\"/></Value></Group></Settings>", u"user.xml, line 1: <Value> is not expected here"},
+        {"<Settings><Menus Name=\"M\"><Command/></Menus></Settings>",
+         u"user.xml, line 1: <Command> needs the attribute \"Name\""},
+        {"<Settings><Group Name=\"G\"><Value Key=\"A\">1<Value "
+         "Key=\"B\"/></Value></Group></Settings>",
+         u"user.xml, line 1: <Value> is not expected here"},
     };
     for (const auto& c : cases) {
         ts::Configuration config;
-        ASSERT_TRUE(config.LoadText(R"(<Settings><Group Name="G"><Value Key="Kept">1</Value></Group></Settings>)", u"d"));
+        ASSERT_TRUE(config.LoadText(
+            R"(<Settings><Group Name="G"><Value Key="Kept">1</Value></Group></Settings>)", u"d"));
         std::u16string error;
         EXPECT_FALSE(config.LoadText(c.xml, u"user.xml", &error)) << c.xml;
-        EXPECT_EQ(error.substr(0, std::u16string_view(c.error).size()), c.error) << c.xml << "\n  gave: " << U8(error);
+        EXPECT_EQ(error.substr(0, std::u16string_view(c.error).size()), c.error)
+            << c.xml << "\n  gave: " << U8(error);
         EXPECT_TRUE(config.Has(u"G", u"Kept"));
         EXPECT_FALSE(config.Has(u"G", u"K"));  // nothing of the faulty file is kept
     }
@@ -161,11 +175,12 @@ TEST(Configuration, EnvironmentKeysFallBackToTheirDefaults) {
 TEST(Configuration, TheShippedDefaultsGiveTheEditorsWorkingValues) {
     ts::Configuration c;
     std::u16string error;
-    ASSERT_TRUE(c.LoadFile(ts::ApplicationDataFolder() + "/DefaultSettings.xml", &error)) << U8(error);
+    ASSERT_TRUE(c.LoadFile(ts::ApplicationDataFolder() + "/DefaultSettings.xml", &error))
+        << U8(error);
     TsColour colour;
-    for (const char16_t* key : {u"ErrorColor", u"VORecordedColor", u"SafeFrameOuterColor", u"SafeFrameActionColor",
-                                u"SafeFrameTitleColor", u"LinkColor", u"PCColor", u"NPCColor", u"NPCCommentColor",
-                                u"AmbientColor"})
+    for (const char16_t* key : {u"ErrorColor", u"VORecordedColor", u"SafeFrameOuterColor",
+                                u"SafeFrameActionColor", u"SafeFrameTitleColor", u"LinkColor",
+                                u"PCColor", u"NPCColor", u"NPCCommentColor", u"AmbientColor"})
         EXPECT_TRUE(c.GetColour(u"Common\\DlgEditor", key, colour, &error)) << U8(error);
     std::int32_t henchmen = 0;
     EXPECT_TRUE(c.GetInt(u"Common\\DlgEditor", u"MaxHenchmen", henchmen));
@@ -197,13 +212,16 @@ TEST(Configuration, HostCallsReadTheDefaultsAndTheUsersFile) {
     EXPECT_EQ(v.GetColour().r, 0.5f);
     ASSERT_EQ(config->ReadValue(u"Common\\DlgEditor", u"FXAName", &v, kTsTypeString, 0), S_OK);
     EXPECT_EQ(v.GetString(), u"Actors & Co");
-    EXPECT_EQ(config->ReadValue(u"Common\\DlgEditor", u"Missing", &v, kTsTypeInt, 0), TS_E_NOT_FOUND);
+    EXPECT_EQ(config->ReadValue(u"Common\\DlgEditor", u"Missing", &v, kTsTypeInt, 0),
+              TS_E_NOT_FOUND);
     {
         ts::test::ReportCapture reports;
-        EXPECT_EQ(config->ReadValue(u"Common\\DlgEditor", u"Broken", &v, kTsTypeInt, 0), E_INVALIDARG);
+        EXPECT_EQ(config->ReadValue(u"Common\\DlgEditor", u"Broken", &v, kTsTypeInt, 0),
+                  E_INVALIDARG);
         EXPECT_EQ(reports.size(), 1u);
     }
-    EXPECT_EQ(config->ReadValue(u"Common\\DlgEditor", u"MaxHenchmen", &v, kTsTypeVector, 0), E_INVALIDARG);
+    EXPECT_EQ(config->ReadValue(u"Common\\DlgEditor", u"MaxHenchmen", &v, kTsTypeVector, 0),
+              E_INVALIDARG);
     std::vector<ts::MenuEntry> menus;
     ASSERT_EQ(config->GetMenus(u"DialogEditorMenus", &menus), S_OK);
     EXPECT_EQ(menus.front().text, u"Edit");
@@ -215,7 +233,8 @@ TEST(Configuration, HostCallsReadTheDefaultsAndTheUsersFile) {
         ts::test::ReportCapture reports;
         ts::ReloadToolsetConfiguration();
         ASSERT_EQ(reports.size(), 1u);
-        EXPECT_NE(reports.entries()[0].message.find(u"Your settings file could not be read"), std::u16string::npos);
+        EXPECT_NE(reports.entries()[0].message.find(u"Your settings file could not be read"),
+                  std::u16string::npos);
     }
     ASSERT_EQ(config->ReadValue(u"Common\\DlgEditor", u"MaxHenchmen", &v, kTsTypeInt, 0), S_OK);
     EXPECT_EQ(v.GetInt(), 4);

@@ -31,7 +31,9 @@ std::u16string DecodeError(const std::vector<std::uint8_t>& bytes, bool verify =
     return error;
 }
 
-bool Contains(const std::u16string& text, std::u16string_view part) { return text.find(part) != std::u16string::npos; }
+bool Contains(const std::u16string& text, std::u16string_view part) {
+    return text.find(part) != std::u16string::npos;
+}
 
 TEST(ResourceCodec, EveryKindOfValueAndDeclarationSurvivesExactly) {
     Node tree = MakeSampleTree();
@@ -43,7 +45,8 @@ TEST(ResourceCodec, EveryKindOfValueAndDeclarationSurvivesExactly) {
     std::u16string error;
     ASSERT_TRUE(ts::DecodeResource(bytes, back, &error)) << ts::Utf16ToUtf8(error);
     std::u16string difference;
-    EXPECT_TRUE(ts::PropertyTreesEqual(tree.Get(), back.Get(), &difference)) << ts::Utf16ToUtf8(difference);
+    EXPECT_TRUE(ts::PropertyTreesEqual(tree.Get(), back.Get(), &difference))
+        << ts::Utf16ToUtf8(difference);
 
     // Encoding is deterministic, so a decoded resource re-encodes to the same bytes.
     EXPECT_EQ(Encode(back.Get()), bytes);
@@ -76,7 +79,8 @@ TEST(ResourceCodec, ComparisonNamesWhereTreesDiffer) {
 TEST(ResourceCodec, EveryTruncationFailsCleanly) {
     auto bytes = Encode(MakeSampleTree().Get());
     for (std::size_t size = 0; size < bytes.size(); ++size) {
-        std::vector<std::uint8_t> cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
+        std::vector<std::uint8_t> cut(bytes.begin(),
+                                      bytes.begin() + static_cast<std::ptrdiff_t>(size));
         auto error = DecodeError(cut);
         if (size >= 4) {
             EXPECT_TRUE(Contains(error, u"truncated")) << size << ": " << ts::Utf16ToUtf8(error);
@@ -101,8 +105,8 @@ TEST(ResourceCodec, EveryFlippedByteIsCaught) {
 TEST(ResourceCodec, HeaderProblemsAreToldApart) {
     auto bytes = Encode(MakeSampleTree().Get());
     EXPECT_TRUE(Contains(DecodeError({}), u"not a resource"));
-    EXPECT_TRUE(Contains(DecodeError({'S', 'Q', 'L', 'i', 't', 'e', ' ', 'f', 'o', 'r', 'm', 'a', 't', ' ', '3',
-                                      0, 0, 0, 0, 0, 0}),
+    EXPECT_TRUE(Contains(DecodeError({'S', 'Q', 'L', 'i', 't', 'e', ' ', 'f', 'o', 'r', 'm',
+                                      'a', 't', ' ', '3', 0,   0,   0,   0,   0,   0}),
                          u"not a resource"));
 
     auto newer = bytes;
@@ -163,17 +167,20 @@ TEST(ResourceCodec, StructuralDamageBehindAValidChecksumIsRefused) {
     EXPECT_TRUE(Contains(DecodeError(make(emptyName, 1)), u"name 0 is empty"));
 
     // A varint of six bytes and a text that is not valid WTF-8.
-    EXPECT_TRUE(Contains(DecodeError(make(with({0x80, 0x80, 0x80, 0x80, 0x80, 0x01}), 1)), u"a node is cut short"));
+    EXPECT_TRUE(Contains(DecodeError(make(with({0x80, 0x80, 0x80, 0x80, 0x80, 0x01}), 1)),
+                         u"a node is cut short"));
     std::vector<std::uint8_t> badText = {1, 2, 0xC3, 0x28, 1, 0, 0, 0, 0, 0, 1, 0, 15, 0, 0, 0, 1};
     EXPECT_TRUE(Contains(DecodeError(make(badText, 1)), u"a name is cut short or not valid text"));
 
     // A chain of lists deeper than the limit, each claiming one child.
     std::vector<std::uint8_t> deep = {1, 1, 'L', 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0};
     for (std::uint32_t i = 0; i < ts::kResourceMaxDepth + 1; ++i) deep.insert(deep.end(), {0, 1});
-    EXPECT_TRUE(Contains(DecodeError(make(deep, ts::kResourceMaxDepth + 2)), u"nest deeper than 128"));
+    EXPECT_TRUE(
+        Contains(DecodeError(make(deep, ts::kResourceMaxDepth + 2)), u"nest deeper than 128"));
 
     // A list that claims far more children than the resource can hold.
-    std::vector<std::uint8_t> greedy = {1, 1, 'L', 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0x03};
+    std::vector<std::uint8_t> greedy = {1, 1, 'L', 1, 0, 0, 0,    0,    0,
+                                        1, 0, 0,   0, 0, 0, 0xFF, 0xFF, 0x03};
     greedy.resize(greedy.size() + 70000, 0);
     EXPECT_FALSE(DecodeError(make(greedy, 3)).empty());
 }
@@ -203,17 +210,29 @@ public:
     std::uint32_t GetType() override { return inner_->GetType(); }
     std::uint32_t GetFlags() override { return inner_->GetFlags(); }
     HRESULT GetName(char16_t** n) override { return inner_->GetName(n); }
-    HRESULT GetAttribute(TsPropertyAttribute w, char16_t** t) override { return inner_->GetAttribute(w, t); }
-    HRESULT SetAttribute(TsPropertyAttribute w, std::u16string_view t) override { return inner_->SetAttribute(w, t); }
+    HRESULT GetAttribute(TsPropertyAttribute w, char16_t** t) override {
+        return inner_->GetAttribute(w, t);
+    }
+    HRESULT SetAttribute(TsPropertyAttribute w, std::u16string_view t) override {
+        return inner_->SetAttribute(w, t);
+    }
     HRESULT CreateProperty(std::u16string_view, std::uint32_t, std::uint32_t, std::u16string_view,
-                           std::u16string_view, std::u16string_view, std::u16string_view, std::u16string_view,
-                           ITsProperty**) override {
+                           std::u16string_view, std::u16string_view, std::u16string_view,
+                           std::u16string_view, ITsProperty**) override {
         return E_NOTIMPL;
     }
-    HRESULT FindChild(TsAtom n, std::uint32_t i, ITsProperty** c) override { return inner_->FindChild(n, i, c); }
-    HRESULT GetChildCount(TsAtom n, std::uint32_t* c) override { return inner_->GetChildCount(n, c); }
-    HRESULT GetChildAt(std::uint32_t p, ITsProperty** c) override { return inner_->GetChildAt(p, c); }
-    HRESULT GetChildArray(ITsProperty* const** c, std::uint32_t* n) override { return inner_->GetChildArray(c, n); }
+    HRESULT FindChild(TsAtom n, std::uint32_t i, ITsProperty** c) override {
+        return inner_->FindChild(n, i, c);
+    }
+    HRESULT GetChildCount(TsAtom n, std::uint32_t* c) override {
+        return inner_->GetChildCount(n, c);
+    }
+    HRESULT GetChildAt(std::uint32_t p, ITsProperty** c) override {
+        return inner_->GetChildAt(p, c);
+    }
+    HRESULT GetChildArray(ITsProperty* const** c, std::uint32_t* n) override {
+        return inner_->GetChildArray(c, n);
+    }
     HRESULT InsertChild(std::uint32_t, ITsProperty*) override { return E_NOTIMPL; }
     HRESULT RemoveChild(ITsProperty*) override { return E_NOTIMPL; }
     HRESULT RemoveChildAt(std::uint32_t) override { return E_NOTIMPL; }
@@ -235,11 +254,13 @@ TEST(ResourceCodec, EncodesNodesOfOtherImplementations) {
     Node back;
     ASSERT_TRUE(ts::DecodeResource(bytes, back));
     std::u16string difference;
-    EXPECT_TRUE(ts::PropertyTreesEqual(tree.Get(), back.Get(), &difference)) << ts::Utf16ToUtf8(difference);
+    EXPECT_TRUE(ts::PropertyTreesEqual(tree.Get(), back.Get(), &difference))
+        << ts::Utf16ToUtf8(difference);
     EXPECT_EQ(bytes, Encode(tree.Get()));
 
     Node value;
-    ASSERT_EQ(TsCreateProperty(u"Text", kTsTypeString, 2, u"Text", u"", u"", u"", u"", value.Put()), S_OK);
+    ASSERT_EQ(TsCreateProperty(u"Text", kTsTypeString, 2, u"Text", u"", u"", u"", u"", value.Put()),
+              S_OK);
     value->SetValue(variant(kTsTypeString, u"Gr\u00fc\u00dfe \U0001F600"));
     auto leaf = CTsComObject<ForwardingNode>::Create();
     leaf->Wrap(value.Get());

@@ -10,9 +10,12 @@ namespace {
 using Node = CTsComPtr<ITsProperty>;
 using ts::ResourceDocument;
 
-std::string U8(const std::u16string& s) { return ts::Utf16ToUtf8(s); }
+std::string U8(const std::u16string& s) {
+    return ts::Utf16ToUtf8(s);
+}
 
-std::string WriteExact(ITsProperty* root, std::u16string name = u"sample", std::u16string type = u"tst") {
+std::string WriteExact(ITsProperty* root, std::u16string name = u"sample",
+                       std::u16string type = u"tst") {
     std::string text;
     std::u16string error;
     EXPECT_TRUE(ts::WriteResourceJson({name, type, Node(root)}, text, &error)) << U8(error);
@@ -49,7 +52,8 @@ TEST(ResourceJson, ExactFormRoundTripsEveryValueAndDeclaration) {
 
     // The text is meant to be read: one value node per line, names of types, lone surrogates
     // escaped, other text as it is.
-    EXPECT_NE(text.find(R"({"name": "StringID", "type": "int", "value": 101})"), std::string::npos) << text;
+    EXPECT_NE(text.find(R"({"name": "StringID", "type": "int", "value": 101})"), std::string::npos)
+        << text;
     EXPECT_NE(text.find(R"("value": "lone \uD800 high, lone \uDC00 low")"), std::string::npos);
     EXPECT_NE(text.find("K\xC3\xB6ln"), std::string::npos);
     EXPECT_NE(text.find(R"("type": "float", "flags": 2, "value": -0})"), std::string::npos);
@@ -89,46 +93,61 @@ TEST(ResourceJson, MistakesAreReportedWithTheirPlace) {
     };
     const Case cases[] = {
         {"", u"line 1, column 1: the text ends where a value was expected"},
-        {"{\"resource\": \"a\", \"type\": \"t\"\n \"root\": {}}", u"line 2, column 2: expected ',' or '}' in an object"},
+        {"{\"resource\": \"a\", \"type\": \"t\"\n \"root\": {}}",
+         u"line 2, column 2: expected ',' or '}' in an object"},
         {"{\"resource\": \"a\nb\"}", u"line 1, column 16: a string holds a control character"},
-        {"{\"resource\": \"a\", \"resource\": \"b\"}", u"line 1, column 19: the key \"resource\" appears twice"},
+        {"{\"resource\": \"a\", \"resource\": \"b\"}",
+         u"line 1, column 19: the key \"resource\" appears twice"},
         {"{\"resource\": \"\xC3\x28\"}", u"line 1, column 15: the text is not valid UTF-8"},
         {"{\"resource\": \"a\"} x", u"line 1, column 19: there is more text after the end"},
         {"[1, 2", u"line 1, column 6: the text ends inside an array"},
         {"{\"resource\": 01}", u"line 1, column 15: expected ',' or '}'"},
-        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"int\", \"value\": 1.5}}",
+        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"int\", "
+         "\"value\": 1.5}}",
          u"line 1, column 78: expected a whole number"},
-        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"int\", \"value\": 2147483648}}",
+        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"int\", "
+         "\"value\": 2147483648}}",
          u"line 1, column 78: expected a whole number from -2147483648 to 2147483647"},
-        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"integer\"}}",
+        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": "
+         "\"integer\"}}",
          u"line 1, column 62: unknown type"},
-        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": 7}}", u"unknown type"},
-        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"list\", \"value\": 1}}",
+        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": 7}}",
+         u"unknown type"},
+        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"list\", "
+         "\"value\": 1}}",
          u"a list node has \"children\", not a \"value\""},
-        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"int\", \"valeu\": 1}}",
+        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"int\", "
+         "\"valeu\": 1}}",
          u"unknown key \"valeu\" in a node"},
         {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"\", \"type\": \"int\"}}",
          u"a node needs a \"name\" of 1 to 255 characters"},
         {"{\"resource\": \"a\", \"type\": \"t\"}", u"the document has no tree"},
-        {"{\"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"int\"}}", u"does not name its resource"},
-        {"{\"resource\": \"a\", \"type\": \"t\", \"fields\": {}}", u"resources of type \"t\" have no short form"},
-        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"bytes\", \"value\": \"abc\"}}",
+        {"{\"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"int\"}}",
+         u"does not name its resource"},
+        {"{\"resource\": \"a\", \"type\": \"t\", \"fields\": {}}",
+         u"resources of type \"t\" have no short form"},
+        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"bytes\", "
+         "\"value\": \"abc\"}}",
          u"expected bytes as a base64 text"},
-        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"datetime\", \"value\": \"2023-02-29\"}}",
+        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": "
+         "\"datetime\", \"value\": \"2023-02-29\"}}",
          u"expected a date"},
-        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"float\", \"value\": 1e39}}",
+        {"{\"resource\": \"a\", \"type\": \"t\", \"root\": {\"name\": \"A\", \"type\": \"float\", "
+         "\"value\": 1e39}}",
          u"expected a number (within the range of a float)"},
     };
     for (const auto& c : cases) {
         std::u16string error = ReadError(c.text);
-        EXPECT_NE(error.find(c.expected), std::u16string::npos) << c.text << "\n  gave: " << U8(error);
+        EXPECT_NE(error.find(c.expected), std::u16string::npos)
+            << c.text << "\n  gave: " << U8(error);
     }
 
     // A name given by the caller (from the file name) must agree with the document's.
     ResourceDocument named{u"tavern", u"dlg", {}};
-    EXPECT_NE(ReadError(R"({"resource": "market", "root": {"name": "A", "type": "int"}})", {}, named)
-                  .find(u"the document says its name is \"market\" but its file name says \"tavern\""),
-              std::u16string::npos);
+    EXPECT_NE(
+        ReadError(R"({"resource": "market", "root": {"name": "A", "type": "int"}})", {}, named)
+            .find(u"the document says its name is \"market\" but its file name says \"tavern\""),
+        std::u16string::npos);
     ResourceDocument fromFile{u"tavern", u"dlg", {}};
     ASSERT_TRUE(ts::ReadResourceJson(R"({"root": {"name": "A", "type": "int"}})", fromFile));
     EXPECT_EQ(fromFile.name, u"tavern");
@@ -184,7 +203,9 @@ TEST_F(ShortForm, StatesOnlyWhatDiffersFromTheDefaults) {
     // Written back in short, it says the same few things, and reads back to the same tree.
     std::string text;
     std::u16string error;
-    ASSERT_TRUE(ts::WriteResourceJsonShort({u"market", u"talk", doc.root}, schemas.Lookup(), text, &error)) << U8(error);
+    ASSERT_TRUE(
+        ts::WriteResourceJsonShort({u"market", u"talk", doc.root}, schemas.Lookup(), text, &error))
+        << U8(error);
     EXPECT_EQ(text, R"({
   "resource": "market",
   "type": "talk",
@@ -207,8 +228,9 @@ TEST_F(ShortForm, StatesOnlyWhatDiffersFromTheDefaults) {
 
     // Fields declared without a default are always stated: a transition's target means something
     // even when it is line 0.
-    auto zero = Read(R"({"resource": "m", "type": "talk", "fields": {"LineList": [{"TransitionList": [{}]}]}})",
-                     schemas.Lookup());
+    auto zero = Read(
+        R"({"resource": "m", "type": "talk", "fields": {"LineList": [{"TransitionList": [{}]}]}})",
+        schemas.Lookup());
     ASSERT_TRUE(ts::WriteResourceJsonShort({u"m", u"talk", zero.root}, schemas.Lookup(), text));
     EXPECT_NE(text.find(R"({"IsLink": false, "LineIndex": 0})"), std::string::npos) << text;
 }
@@ -230,7 +252,8 @@ TEST_F(ShortForm, FallsBackToExactNodesWhereTheTreeStrays) {
     ASSERT_TRUE(ts::WriteResourceJsonShort({u"market", u"talk", talk}, schemas.Lookup(), text));
     EXPECT_NE(text.find(R"("fields")"), std::string::npos);
     EXPECT_NE(text.find(R"("ExtraList": [)"), std::string::npos);
-    EXPECT_NE(text.find(R"({"name": "Stray", "type": "int", "value": 0})"), std::string::npos) << text;
+    EXPECT_NE(text.find(R"({"name": "Stray", "type": "int", "value": 0})"), std::string::npos)
+        << text;
     ExpectSameTree(talk.Get(), Read(text, schemas.Lookup()).root.Get());
 
     // A root that strays is written exactly as a whole.
@@ -270,33 +293,49 @@ TEST_F(ShortForm, ElementsOfAFamilyNameTheirKind) {
     ASSERT_TRUE(ts::WriteResourceJsonShort({u"m", u"talk", doc.root}, schemas.Lookup(), text));
     EXPECT_NE(text.find(R"({"Kind": 2, "Height": 3.5})"), std::string::npos) << text;
     EXPECT_NE(text.find(R"({"Kind": 1})"), std::string::npos) << text;
-    EXPECT_NE(text.find(R"({"Kind": 1, "Label": "north", "Colour": [0, 0, 1, 1]})"), std::string::npos) << text;
+    EXPECT_NE(text.find(R"({"Kind": 1, "Label": "north", "Colour": [0, 0, 1, 1]})"),
+              std::string::npos)
+        << text;
     ExpectSameTree(doc.root.Get(), Read(text, schemas.Lookup()).root.Get());
 
-    auto error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"MarkList": [{"Label": "x"}]}})",
-                           schemas.Lookup());
-    EXPECT_NE(error.find(u"a test mark needs \"Kind\" (a whole number) to say which kind it is"), std::u16string::npos)
+    auto error =
+        ReadError(R"({"resource": "m", "type": "talk", "fields": {"MarkList": [{"Label": "x"}]}})",
+                  schemas.Lookup());
+    EXPECT_NE(error.find(u"a test mark needs \"Kind\" (a whole number) to say which kind it is"),
+              std::u16string::npos)
         << U8(error);
-    error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"MarkList": [{"Kind": 5}]}})", schemas.Lookup());
-    EXPECT_NE(error.find(u"5 is not a kind of test mark; the kinds are 1 (flag), 2 (pin)"), std::u16string::npos)
+    error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"MarkList": [{"Kind": 5}]}})",
+                      schemas.Lookup());
+    EXPECT_NE(error.find(u"5 is not a kind of test mark; the kinds are 1 (flag), 2 (pin)"),
+              std::u16string::npos)
         << U8(error);
 }
 
 TEST_F(ShortForm, RefusesFieldsTheRecordDoesNotHave) {
-    auto error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"LineList": [{"text": "hi"}]}})",
-                           schemas.Lookup());
-    EXPECT_NE(error.find(u"a test line has no field \"text\" (did you mean \"Text\"?)"), std::u16string::npos) << U8(error);
-    error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"Lines": []}})", schemas.Lookup());
-    EXPECT_NE(error.find(u"a test talk has no field \"Lines\""), std::u16string::npos) << U8(error);
-    error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"LineList": {}}})", schemas.Lookup());
-    EXPECT_NE(error.find(u"field \"LineList\" is a list: give an array"), std::u16string::npos) << U8(error);
-    error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"LineList": [{"StringID": "7"}]}})",
-                      schemas.Lookup());
-    EXPECT_NE(error.find(u"line 1, column 72: field \"StringID\": expected a whole number"), std::u16string::npos)
+    auto error =
+        ReadError(R"({"resource": "m", "type": "talk", "fields": {"LineList": [{"text": "hi"}]}})",
+                  schemas.Lookup());
+    EXPECT_NE(error.find(u"a test line has no field \"text\" (did you mean \"Text\"?)"),
+              std::u16string::npos)
         << U8(error);
-    error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"LineList": [{"ExtraList": [{"A": 1}]}]}})",
+    error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"Lines": []}})",
                       schemas.Lookup());
-    EXPECT_NE(error.find(u"the elements of \"ExtraList\" have no short form"), std::u16string::npos) << U8(error);
+    EXPECT_NE(error.find(u"a test talk has no field \"Lines\""), std::u16string::npos) << U8(error);
+    error = ReadError(R"({"resource": "m", "type": "talk", "fields": {"LineList": {}}})",
+                      schemas.Lookup());
+    EXPECT_NE(error.find(u"field \"LineList\" is a list: give an array"), std::u16string::npos)
+        << U8(error);
+    error = ReadError(
+        R"({"resource": "m", "type": "talk", "fields": {"LineList": [{"StringID": "7"}]}})",
+        schemas.Lookup());
+    EXPECT_NE(error.find(u"line 1, column 72: field \"StringID\": expected a whole number"),
+              std::u16string::npos)
+        << U8(error);
+    error = ReadError(
+        R"({"resource": "m", "type": "talk", "fields": {"LineList": [{"ExtraList": [{"A": 1}]}]}})",
+        schemas.Lookup());
+    EXPECT_NE(error.find(u"the elements of \"ExtraList\" have no short form"), std::u16string::npos)
+        << U8(error);
 
     // The resource's own name fills its name field unless the document gives one.
     auto doc = Read(R"({"resource": "harbour", "type": "talk", "fields": {}})", schemas.Lookup());

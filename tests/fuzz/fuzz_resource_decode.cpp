@@ -15,6 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<std::uint8_t> again;
     if (!ts::EncodeResource(root.Get(), again)) std::abort();
     CTsComPtr<ITsProperty> back;
-    if (!ts::DecodeResource(again, back) || !ts::PropertyTreesEqual(root.Get(), back.Get())) std::abort();
+    if (!ts::DecodeResource(again, back) || !ts::PropertyTreesEqual(root.Get(), back.Get()))
+        std::abort();
     return 0;
 }

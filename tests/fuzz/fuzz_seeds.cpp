@@ -38,7 +38,8 @@ int main(int argc, char** argv) {
             return 1;
         }
         std::ofstream(corpus / "decode" / (name + ".bin"), std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+            .write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
         ++written;
     }
     return written > 0 ? 0 : 1;

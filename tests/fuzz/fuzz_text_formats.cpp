@@ -13,11 +13,13 @@
 namespace {
 
 void CheckJson(std::string_view text) {
-    // Named beforehand, as a file name would, so that documents that leave the names out still read.
+    // Named beforehand, as a file name would, so that documents that leave the names out still
+    // read.
     ts::ResourceDocument doc{u"fuzz", u"dlg", {}};
     if (!ts::ReadResourceJson(text, doc, nullptr, ts::ResourceSchemas())) return;
     std::string exact, brief;
-    if (!ts::WriteResourceJson(doc, exact) || !ts::WriteResourceJsonShort(doc, ts::ResourceSchemas(), brief))
+    if (!ts::WriteResourceJson(doc, exact) ||
+        !ts::WriteResourceJsonShort(doc, ts::ResourceSchemas(), brief))
         std::abort();
     for (const std::string* written : {&exact, &brief}) {
         ts::ResourceDocument back;
@@ -30,7 +32,8 @@ void CheckCsv(std::string_view text) {
     ts::GameTable table;
     if (!ts::GameTable::FromCsv(u"fuzz", text, table)) return;
     ts::GameTable back;
-    if (!ts::GameTable::FromCsv(u"fuzz", table.ToCsv(), back) || back.ToCsv() != table.ToCsv()) std::abort();
+    if (!ts::GameTable::FromCsv(u"fuzz", table.ToCsv(), back) || back.ToCsv() != table.ToCsv())
+        std::abort();
     std::int32_t value;
     std::u16string cell;
     for (std::size_t row = 0; row < table.RowCount(); ++row)

@@ -22,7 +22,8 @@ TEST(ConversationGenerator, MakesWellFormedConversationsOfTheSizeAsked) {
 
         auto line = [&](bool npc, std::uint32_t index) {
             Node node;
-            EXPECT_TRUE(npc ? c.GetNPCLineListItem(index, node) : c.GetPlayerLineListItem(index, node));
+            EXPECT_TRUE(npc ? c.GetNPCLineListItem(index, node)
+                            : c.GetPlayerLineListItem(index, node));
             return CAgentConversationLine(node.Get());
         };
         // Walk the owned lines depth first, as the editor writes them back: they must come in
@@ -45,8 +46,10 @@ TEST(ConversationGenerator, MakesWellFormedConversationsOfTheSizeAsked) {
                 transition.GetLineIndex(target);
                 ASSERT_GE(target, 0);
                 ASSERT_LT(static_cast<std::uint32_t>(target), npc ? playerCount : npcCount);
-                if (link) ++links;
-                else visit(!npc, target);
+                if (link)
+                    ++links;
+                else
+                    visit(!npc, target);
             }
         };
         for (std::uint32_t s = 0; s < c.StartListCount(); ++s) {

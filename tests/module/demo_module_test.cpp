@@ -20,7 +20,9 @@ namespace {
 
 using Node = CTsComPtr<ITsProperty>;
 
-std::string U8(const std::u16string& s) { return ts::Utf16ToUtf8(s); }
+std::string U8(const std::u16string& s) {
+    return ts::Utf16ToUtf8(s);
+}
 
 // The demo module, built once from data/demo for the whole suite.
 class DemoModule : public ::testing::Test {
@@ -32,7 +34,8 @@ protected:
         options.user = u"demo";
         ts::ModuleBuildSummary summary;
         std::vector<std::u16string> problems;
-        bool built = ts::BuildModule(ts::ApplicationDataFolder() + "/demo", Path(), options, summary, problems);
+        bool built = ts::BuildModule(ts::ApplicationDataFolder() + "/demo", Path(), options,
+                                     summary, problems);
         for (const auto& p : problems) ADD_FAILURE() << U8(p);
         ASSERT_TRUE(built);
     }
@@ -78,12 +81,16 @@ TEST_F(DemoModule, EveryResourceRoundTripsThroughTheStoreAndJson) {
 
         // Through JSON, in both forms.
         std::string exact, brief;
-        ASSERT_TRUE(ts::WriteResourceJson({info.name, info.type, tree}, exact, &error)) << U8(error);
-        ASSERT_TRUE(ts::WriteResourceJsonShort({info.name, info.type, tree}, ts::ResourceSchemas(), brief, &error));
-        EXPECT_EQ(brief.find("\"root\""), std::string::npos) << "the demo's resources all have a short form";
+        ASSERT_TRUE(ts::WriteResourceJson({info.name, info.type, tree}, exact, &error))
+            << U8(error);
+        ASSERT_TRUE(ts::WriteResourceJsonShort({info.name, info.type, tree}, ts::ResourceSchemas(),
+                                               brief, &error));
+        EXPECT_EQ(brief.find("\"root\""), std::string::npos)
+            << "the demo's resources all have a short form";
         for (const std::string* text : {&exact, &brief}) {
             ts::ResourceDocument back;
-            ASSERT_TRUE(ts::ReadResourceJson(*text, back, &error, ts::ResourceSchemas())) << U8(error);
+            ASSERT_TRUE(ts::ReadResourceJson(*text, back, &error, ts::ResourceSchemas()))
+                << U8(error);
             EXPECT_EQ(back.name, info.name);
             EXPECT_TRUE(ts::PropertyTreesEqual(back.root.Get(), tree.Get(), &error)) << U8(error);
         }
@@ -152,8 +159,10 @@ struct Lines {
             transition.GetLineIndex(index);
             EXPECT_GE(index, 0);
             EXPECT_LT(static_cast<std::size_t>(index), children.size());
-            if (link) ++links;
-            else Inherit(children.at(static_cast<std::size_t>(index)), line.ambient);
+            if (link)
+                ++links;
+            else
+                Inherit(children.at(static_cast<std::size_t>(index)), line.ambient);
         }
     }
 };
@@ -214,7 +223,8 @@ TEST_F(DemoModule, ConversationsShowWhatWritersMeet) {
                     std::u16string text;
                     EXPECT_TRUE(store->GetString(stringId, 0, text));
                     EXPECT_EQ(text, line.text);
-                    if (store->GetVORecordingStatus(stringId, vo) && vo.sentForRecordingOn > 0) ++sentForVoiceOver;
+                    if (store->GetVORecordingStatus(stringId, vo) && vo.sentForRecordingOn > 0)
+                        ++sentForVoiceOver;
                 }
                 if (!line.npc && line.text.size() > 60) ++tooLong;
                 if (!line.npc && line.ambient && !line.text.empty()) ++ambientPlayerText;
@@ -282,9 +292,12 @@ TEST_F(DemoModule, TablesHaveTheColumnsTheEditorReads) {
         std::vector<const char16_t*> columns;
     };
     const Need needs[] = {
-        {u"toolset_dlgicons", {}},          {u"toolset_dlglang", {u"LanguageName"}},
-        {u"toolset_dlgemotions", {}},       {u"toolset_henchmen", {}},
-        {u"toolset_dlgparms", {u"Name", u"Value"}}, {u"poses", {u"Label", u"Animations"}},
+        {u"toolset_dlgicons", {}},
+        {u"toolset_dlglang", {u"LanguageName"}},
+        {u"toolset_dlgemotions", {}},
+        {u"toolset_henchmen", {}},
+        {u"toolset_dlgparms", {u"Name", u"Value"}},
+        {u"poses", {u"Label", u"Animations"}},
         {u"common_gestures", {}},
     };
     for (const auto& need : needs) {

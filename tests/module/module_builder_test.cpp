@@ -12,7 +12,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string U8(const std::u16string& s) { return ts::Utf16ToUtf8(s); }
+std::string U8(const std::u16string& s) {
+    return ts::Utf16ToUtf8(s);
+}
 
 class ModuleBuilder : public ::testing::Test {
 protected:
@@ -22,16 +24,20 @@ protected:
 
     void SetUp() override {
         Write("module.json", R"({"name": "Harbour", "moduleId": 7})");
-        Write("resources/plt_harbour.plo.json",
-              R"({"fields": {"StatusList": [{"Flag": 0, "Name": "ARRIVED"}, {"Flag": 1, "Name": "LEFT"}]}})");
+        Write(
+            "resources/plt_harbour.plo.json",
+            R"({"fields": {"StatusList": [{"Flag": 0, "Name": "ARRIVED"}, {"Flag": 1, "Name": "LEFT"}]}})");
         Write("resources/docks.dlg.json", R"({"fields": {
             "StartList": [{"LineIndex": 0}],
             "NPCLineList": [{"StringID": 10, "Text": "Ships in.", "ConditionPlotURI": "plt_harbour", "ConditionPlotFlag": 0}],
             "PlayerLineList": []}})");
-        Write("tables/toolset_dlglang.csv", "ID,LanguageName\n0,English\n1,Fran\xC3\xA7" "ais\n");
+        Write("tables/toolset_dlglang.csv",
+              "ID,LanguageName\n0,English\n1,Fran\xC3\xA7"
+              "ais\n");
         Write("strings.csv", "ID,StringID,Language,Text\n1,10,1,Des navires.\n");
         Write("vo_recording_status.csv",
-              "ID,StringID,ModuleResRefVersionID,SentForRecordingOn,RequiresReRecording\n1,10,1,2024-01-02,false\n");
+              "ID,StringID,ModuleResRefVersionID,SentForRecordingOn,RequiresReRecording\n1,10,1,"
+              "2024-01-02,false\n");
     }
     void TearDown() override { fs::remove_all(root); }
 
@@ -95,10 +101,12 @@ TEST_F(ModuleBuilder, ReportsEveryFaultAndLeavesNoModuleBehind) {
     Write("resources/broken.dlg.json", "{\"fields\": {\"NPCLineList\": [{\"Text\": \"a\",}]}}");
     Write("resources/typo.plo.json", R"({"fields": {"StatusLst": []}})");
     Write("resources/noext.json", R"({"fields": {}})");
-    Write("resources/other.dlg.json", R"({"fields": {"NPCLineList": [{"StringID": 10, "Text": "Ships out."}]}})");
+    Write("resources/other.dlg.json",
+          R"({"fields": {"NPCLineList": [{"StringID": 10, "Text": "Ships out."}]}})");
     Write("tables/poses.csv", "ID,Label\n1,Stand\n1,Sit\n");
     Write("localization_status.csv",
-          "ID,StringID,ModuleResRefVersionID,ExportedOn,RequiresReTranslation\n1,99,1,2024-01-02,false\n2,10,1,soon,false\n");
+          "ID,StringID,ModuleResRefVersionID,ExportedOn,RequiresReTranslation\n1,99,1,2024-01-02,"
+          "false\n2,10,1,soon,false\n");
     std::vector<std::u16string> problems;
     EXPECT_FALSE(Build(problems));
     std::u16string all = All(problems);
@@ -106,14 +114,18 @@ TEST_F(ModuleBuilder, ReportsEveryFaultAndLeavesNoModuleBehind) {
              u"resources/broken.dlg.json: line 1, column 42: expected a key in double quotes",
              u"resources/typo.plo.json: line 1, column 26: a plot has no field \"StatusLst\"",
              u"resources/noext.json: the file name does not give the resource type",
-             u"resources/other.dlg.json: the string id 10 (language 0) has two different texts: \"Ships out.\" here and "
+             u"resources/other.dlg.json: the string id 10 (language 0) has two different texts: "
+             u"\"Ships out.\" here and "
              u"\"Ships in.\" in resources/docks.dlg.json (docks)",
              u"tables/poses.csv: line 3: the row id 1 is used twice (first on line 2)",
-             u"localization_status.csv: row 1: Could not store the localization status of string 99: the module has no "
+             u"localization_status.csv: row 1: Could not store the localization status of string "
+             u"99: the module has no "
              u"such string id",
              u"localization_status.csv: row 2: \"soon\" is not a date (YYYY-MM-DD)",
          })
-        EXPECT_NE(all.find(expected), std::u16string::npos) << "missing: " << U8(expected) << "\nin:\n" << U8(all);
+        EXPECT_NE(all.find(expected), std::u16string::npos)
+            << "missing: " << U8(expected) << "\nin:\n"
+            << U8(all);
     EXPECT_EQ(problems.size(), 7u) << U8(all);
     EXPECT_FALSE(fs::exists(module));
     EXPECT_FALSE(LeftoverFiles());
@@ -143,8 +155,8 @@ TEST_F(ModuleBuilder, ReplacesAModuleOnlyWhenAskedAndOnlyWhole) {
     EXPECT_TRUE(store->GetResourceInfo(u"extra", u"nss", info));
 
     std::vector<std::u16string> none;
-    EXPECT_FALSE(ts::BuildModule(root + "/nowhere", root + "/x.tsmod", {}, *std::make_unique<ts::ModuleBuildSummary>(),
-                                 none));
+    EXPECT_FALSE(ts::BuildModule(root + "/nowhere", root + "/x.tsmod", {},
+                                 *std::make_unique<ts::ModuleBuildSummary>(), none));
     ASSERT_EQ(none.size(), 1u);
     EXPECT_NE(none[0].find(u"does not exist"), std::u16string::npos);
 }

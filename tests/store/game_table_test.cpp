@@ -5,7 +5,9 @@
 
 namespace {
 
-std::string U8(const std::u16string& s) { return ts::Utf16ToUtf8(s); }
+std::string U8(const std::u16string& s) {
+    return ts::Utf16ToUtf8(s);
+}
 
 ts::GameTable Parse(std::string_view csv, std::u16string_view name = u"poses") {
     ts::GameTable table;
@@ -47,7 +49,9 @@ TEST(GameTable, ReadsCellsByColumnNameInRowOrder) {
 
     // Written out and read again, the table is the same; quotes only where needed.
     std::string csv = table.ToCsv();
-    EXPECT_EQ(csv, "ID,Label,Animations\n10,Stand,\"idle_01,idle_02\"\n3,Sit,\"says \"\"hi\"\"\nand waves\"\n-7,,\n");
+    EXPECT_EQ(csv,
+              "ID,Label,Animations\n10,Stand,\"idle_01,idle_02\"\n3,Sit,\"says \"\"hi\"\"\nand "
+              "waves\"\n-7,,\n");
     EXPECT_EQ(Parse(csv).ToCsv(), csv);
 
     // A column whose name begins with a byte-order mark (after a blank, so not the file's own)
@@ -59,7 +63,8 @@ TEST(GameTable, ReadsCellsByColumnNameInRowOrder) {
 }
 
 TEST(GameTable, BadReadsFailWithTheirReason) {
-    auto table = Parse("ID,Name,Value\n1,Gold, 25\n2,Silver,lots\n3,Lead,99999999999\n", u"toolset_dlgparms");
+    auto table = Parse("ID,Name,Value\n1,Gold, 25\n2,Silver,lots\n3,Lead,99999999999\n",
+                       u"toolset_dlgparms");
     std::int32_t value = 123;
     std::u16string error;
     ASSERT_TRUE(table.GetInt(0, u"Value", value, &error));
@@ -68,7 +73,9 @@ TEST(GameTable, BadReadsFailWithTheirReason) {
     value = 123;
     EXPECT_FALSE(table.GetInt(1, u"Value", value, &error));
     EXPECT_EQ(value, 123);
-    EXPECT_EQ(error, u"In the table \"toolset_dlgparms\", the cell of row 2 in column \"Value\" is not a whole number: \"lots\"");
+    EXPECT_EQ(error,
+              u"In the table \"toolset_dlgparms\", the cell of row 2 in column \"Value\" is not a "
+              u"whole number: \"lots\"");
     EXPECT_FALSE(table.GetInt(2, u"Value", value, &error));  // beyond 32 bits
     EXPECT_FALSE(table.GetInt(0, u"Name", value, &error));
     EXPECT_EQ(value, 123);
@@ -98,7 +105,8 @@ TEST(GameTable, MalformedFilesAreRefusedWithTheLine) {
         {"ID,Name\n1,Gold,extra\n", u"line 2 has 3 cells but the header names 2 columns"},
         {"ID,Name\none,Gold\n", u"line 2: the row id \"one\" is not a whole number"},
         {"ID,Name\n,Gold\n", u"line 2: the row id \"\" is not a whole number"},
-        {"ID,Name\n4,Gold\n5,Lead\n4,Tin\n", u"line 4: the row id 4 is used twice (first on line 2)"},
+        {"ID,Name\n4,Gold\n5,Lead\n4,Tin\n",
+         u"line 4: the row id 4 is used twice (first on line 2)"},
         {"ID,Name,name\n", u"line 1: the column \"name\" is named twice"},
         {"ID,,Value\n", u"line 1: column 2 of the header has no name"},
         {"ID,Name\n1,Go\xFFld\n", u"line 2: the text is not valid UTF-8"},
@@ -109,7 +117,8 @@ TEST(GameTable, MalformedFilesAreRefusedWithTheLine) {
         ts::GameTable table;
         std::u16string error;
         EXPECT_FALSE(ts::GameTable::FromCsv(u"metals", c.csv, table, &error)) << c.csv;
-        EXPECT_EQ(error.substr(0, std::u16string_view(c.error).size()), c.error) << c.csv << "\n  gave: " << U8(error);
+        EXPECT_EQ(error.substr(0, std::u16string_view(c.error).size()), c.error)
+            << c.csv << "\n  gave: " << U8(error);
     }
     ts::GameTable table;
     std::u16string error;

@@ -15,7 +15,9 @@ namespace {
 
 using Node = CTsComPtr<ITsProperty>;
 
-std::string U8(std::u16string_view s) { return ts::Utf16ToUtf8(s); }
+std::string U8(std::u16string_view s) {
+    return ts::Utf16ToUtf8(s);
+}
 
 class ResourceManagerTest : public ::testing::Test {
 protected:
@@ -44,7 +46,8 @@ protected:
 
 TEST_F(ResourceManagerTest, PluginsFindItByNameAndInterface) {
     CTsComPtr<ITsResourceManager> found;
-    EXPECT_EQ(TsGetHostComponent(u"ResMan", ITsResourceManager::kIID, found.PutVoid()), TS_E_NOT_FOUND);
+    EXPECT_EQ(TsGetHostComponent(u"ResMan", ITsResourceManager::kIID, found.PutVoid()),
+              TS_E_NOT_FOUND);
     ASSERT_EQ(TsRegisterHostComponent(kTsResourceManagerName, resman.Get()), S_OK);
     ASSERT_EQ(TsGetHostComponent(u"resman", ITsResourceManager::kIID, found.PutVoid()), S_OK);
     EXPECT_EQ(found.Get(), resman.Get());
@@ -112,7 +115,8 @@ TEST_F(ResourceManagerTest, HandsTreesToEditorsAndSavesWhatTheyWrite) {
     ASSERT_EQ(resman->ListResources(u"dlg", &list), S_OK);
     EXPECT_EQ(list.size(), 1u);
 
-    EXPECT_EQ(resman->CreateResource(u"market", u"dlg", tree.Get(), created.Put()), TS_E_ALREADY_EXISTS);
+    EXPECT_EQ(resman->CreateResource(u"market", u"dlg", tree.Get(), created.Put()),
+              TS_E_ALREADY_EXISTS);
     EXPECT_EQ(resman->OpenResource(u"nothing", u"dlg", created.Put()), TS_E_NOT_FOUND);
     EXPECT_FALSE(created);
     EXPECT_EQ(LastError(), u"There is no resource \"nothing\" of type \"dlg\" in \"" +
@@ -125,23 +129,28 @@ TEST_F(ResourceManagerTest, OtherUsersCheckOutsAndDamagedContentAreRefused) {
     ASSERT_EQ(resman->CreateResource(u"scene", u"cut", tree.Get(), resource.Put()), S_OK);
     ASSERT_TRUE(store->CheckOut(u"scene", u"cut", u"bob"));
     EXPECT_EQ(resman->SaveResource(resource.Get()), TS_E_LOCKED);
-    EXPECT_EQ(LastError(), u"The resource \"scene\" is checked out by \"bob\" and cannot be edited");
+    EXPECT_EQ(LastError(),
+              u"The resource \"scene\" is checked out by \"bob\" and cannot be edited");
     EXPECT_EQ(resman->CheckOutResource(u"scene", u"cut"), TS_E_LOCKED);
     ASSERT_TRUE(store->CheckIn(u"scene", u"cut", u"bob"));
     ASSERT_EQ(resman->CheckOutResource(u"scene", u"cut"), S_OK);
     ASSERT_EQ(resman->SaveResource(resource.Get()), S_OK);
     ASSERT_EQ(resman->CheckInResource(u"scene", u"cut"), S_OK);
 
-    ASSERT_TRUE(store->CreateResource(u"junk", u"dlg", std::vector<std::uint8_t>{'n', 'o', 'p', 'e'}, u"bob"));
+    ASSERT_TRUE(store->CreateResource(u"junk", u"dlg",
+                                      std::vector<std::uint8_t>{'n', 'o', 'p', 'e'}, u"bob"));
     EXPECT_EQ(resman->OpenResource(u"junk", u"dlg", resource.Put()), TS_E_DAMAGED);
-    EXPECT_EQ(LastError(), u"The resource \"junk\" (dlg) cannot be read: This is not a resource: 4 bytes, too short for "
-                           u"the header");
+    EXPECT_EQ(LastError(),
+              u"The resource \"junk\" (dlg) cannot be read: This is not a resource: 4 bytes, too "
+              u"short for "
+              u"the header");
     ASSERT_EQ(resman->PrepareForExternalTool(), S_OK);
 }
 
 TEST_F(ResourceManagerTest, TablesStringsAndStatusRecords) {
     ts::GameTable parms;
-    ASSERT_TRUE(ts::GameTable::FromCsv(u"toolset_dlgparms", "ID,Name,Value\n0,Gold,25\n1,Bribe,lots\n", parms));
+    ASSERT_TRUE(ts::GameTable::FromCsv(u"toolset_dlgparms",
+                                       "ID,Name,Value\n0,Gold,25\n1,Bribe,lots\n", parms));
     ASSERT_TRUE(store->ImportTable(parms));
 
     CTsComPtr<ITsTable> table;
@@ -167,8 +176,10 @@ TEST_F(ResourceManagerTest, TablesStringsAndStatusRecords) {
         EXPECT_EQ(table->GetInt(0, 9, &number), E_INVALIDARG);
         ASSERT_EQ(reports.size(), 4u);
         EXPECT_EQ(reports.entries()[0].message,
-                  u"In the table \"toolset_dlgparms\", the cell of row 1 in column \"Value\" is not a whole number: \"lots\"");
-        EXPECT_EQ(reports.entries()[1].message, u"The table \"toolset_dlgparms\" has no column \"Colour\"");
+                  u"In the table \"toolset_dlgparms\", the cell of row 1 in column \"Value\" is "
+                  u"not a whole number: \"lots\"");
+        EXPECT_EQ(reports.entries()[1].message,
+                  u"The table \"toolset_dlgparms\" has no column \"Colour\"");
     }
 
     std::int32_t id = 0;

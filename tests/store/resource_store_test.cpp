@@ -16,7 +16,9 @@ namespace {
 
 using ts::StoreStatus;
 
-std::string U8(const std::u16string& s) { return ts::Utf16ToUtf8(s); }
+std::string U8(const std::u16string& s) {
+    return ts::Utf16ToUtf8(s);
+}
 
 class ResourceStoreTest : public ::testing::Test {
 protected:
@@ -48,15 +50,20 @@ TEST_F(ResourceStoreTest, KeepsResourcesByNameAndTypeAcrossSessions) {
         ASSERT_TRUE(store);
         ASSERT_TRUE(store->SetModuleInfo({u"Demo", 42, u"The demo module"}));
         ASSERT_TRUE(store->CreateResource(u"tavern", u"dlg", bytes, u"ann"));
-        ASSERT_TRUE(store->CreateResource(u"tavern", u"plo", std::vector<std::uint8_t>{1, 2}, u"ann"));  // same name, other type
+        ASSERT_TRUE(store->CreateResource(u"tavern", u"plo", std::vector<std::uint8_t>{1, 2},
+                                          u"ann"));  // same name, other type
         ASSERT_TRUE(store->CreateResource(u"Alley", u"dlg", std::vector<std::uint8_t>{}, u"ann"));
 
         auto again = store->CreateResource(u"TAVERN", u"dlg", bytes, u"ann");
         EXPECT_EQ(again.status, StoreStatus::AlreadyExists);
-        EXPECT_NE(again.message.find(u"A resource \"TAVERN\" of type \"dlg\" already exists"), std::u16string::npos);
-        EXPECT_EQ(store->CreateResource(u"a/b", u"dlg", bytes, u"ann").status, StoreStatus::InvalidArgument);
-        EXPECT_EQ(store->CreateResource(u"", u"dlg", bytes, u"ann").status, StoreStatus::InvalidArgument);
-        EXPECT_EQ(store->CreateResource(u"ok", u"d.g", bytes, u"ann").status, StoreStatus::InvalidArgument);
+        EXPECT_NE(again.message.find(u"A resource \"TAVERN\" of type \"dlg\" already exists"),
+                  std::u16string::npos);
+        EXPECT_EQ(store->CreateResource(u"a/b", u"dlg", bytes, u"ann").status,
+                  StoreStatus::InvalidArgument);
+        EXPECT_EQ(store->CreateResource(u"", u"dlg", bytes, u"ann").status,
+                  StoreStatus::InvalidArgument);
+        EXPECT_EQ(store->CreateResource(u"ok", u"d.g", bytes, u"ann").status,
+                  StoreStatus::InvalidArgument);
     }
 
     auto store = Open();
@@ -68,7 +75,8 @@ TEST_F(ResourceStoreTest, KeepsResourcesByNameAndTypeAcrossSessions) {
 
     std::vector<std::uint8_t> content;
     ts::ResourceInfo info;
-    ASSERT_TRUE(store->ReadResource(u"Tavern", u"DLG", content, &info));  // names and types ignore case
+    ASSERT_TRUE(
+        store->ReadResource(u"Tavern", u"DLG", content, &info));  // names and types ignore case
     EXPECT_EQ(content, bytes);
     EXPECT_EQ(info.name, u"tavern");
     EXPECT_EQ(info.version, 1);
@@ -100,8 +108,10 @@ TEST_F(ResourceStoreTest, KeepsResourcesByNameAndTypeAcrossSessions) {
     ASSERT_TRUE(store->DeleteResource(u"tavern", u"dlg", u"bob"));
     auto missing = store->ReadResource(u"tavern", u"dlg", content);
     EXPECT_EQ(missing.status, StoreStatus::NotFound);
-    EXPECT_NE(missing.message.find(u"There is no resource \"tavern\" of type \"dlg\""), std::u16string::npos);
-    EXPECT_EQ(store->SaveResource(u"tavern", u"dlg", content, ts::kAnyVersion, u"bob").status, StoreStatus::NotFound);
+    EXPECT_NE(missing.message.find(u"There is no resource \"tavern\" of type \"dlg\""),
+              std::u16string::npos);
+    EXPECT_EQ(store->SaveResource(u"tavern", u"dlg", content, ts::kAnyVersion, u"bob").status,
+              StoreStatus::NotFound);
     EXPECT_TRUE(store->ReadResource(u"tavern", u"plo", content));
 }
 
@@ -111,10 +121,12 @@ TEST_F(ResourceStoreTest, OpeningTellsWhatIsWrongWithTheFile) {
     EXPECT_EQ(result.status, StoreStatus::NotFound);
     EXPECT_NE(result.message.find(u"does not exist"), std::u16string::npos);
 
-    std::ofstream(path) << "not a database at all, just some text that is long enough to look like a header\n";
+    std::ofstream(path)
+        << "not a database at all, just some text that is long enough to look like a header\n";
     EXPECT_FALSE(ts::OpenSqliteStore(path, {}, &result));
     EXPECT_EQ(result.status, StoreStatus::Damaged);
-    EXPECT_NE(result.message.find(u"is not a toolset module"), std::u16string::npos) << U8(result.message);
+    EXPECT_NE(result.message.find(u"is not a toolset module"), std::u16string::npos)
+        << U8(result.message);
 
     EXPECT_FALSE(ts::OpenSqliteStore(path, {.create = true}, &result));
     EXPECT_EQ(result.status, StoreStatus::AlreadyExists);
@@ -150,7 +162,8 @@ TEST_F(ResourceStoreTest, CheckOutLocksAndVersionsGuardOtherPeoplesWork) {
     ASSERT_TRUE(store->CheckOut(u"plan", u"cut", u"ann"));  // again: already hers
     auto refused = store->SaveResource(u"plan", u"cut", theirs, ts::kAnyVersion, u"bob");
     EXPECT_EQ(refused.status, StoreStatus::CheckedOut);
-    EXPECT_EQ(refused.message, u"The resource \"plan\" is checked out by \"ann\" and cannot be edited");
+    EXPECT_EQ(refused.message,
+              u"The resource \"plan\" is checked out by \"ann\" and cannot be edited");
     EXPECT_EQ(store->CheckOut(u"plan", u"cut", u"bob").status, StoreStatus::CheckedOut);
     EXPECT_EQ(store->CheckIn(u"plan", u"cut", u"bob").status, StoreStatus::CheckedOut);
     EXPECT_EQ(store->DeleteResource(u"plan", u"cut", u"bob").status, StoreStatus::CheckedOut);
@@ -166,7 +179,9 @@ TEST_F(ResourceStoreTest, CheckOutLocksAndVersionsGuardOtherPeoplesWork) {
     // Bob read version 1 and saves after Ann's save made version 2.
     auto conflict = store->SaveResource(u"plan", u"cut", theirs, 1, u"bob");
     EXPECT_EQ(conflict.status, StoreStatus::VersionConflict);
-    EXPECT_NE(conflict.message.find(u"was saved by \"ann\" after you opened it"), std::u16string::npos) << U8(conflict.message);
+    EXPECT_NE(conflict.message.find(u"was saved by \"ann\" after you opened it"),
+              std::u16string::npos)
+        << U8(conflict.message);
 
     ASSERT_TRUE(store->SetLocked(u"plan", u"cut", true));
     auto locked = store->SaveResource(u"plan", u"cut", theirs, ts::kAnyVersion, u"ann");
@@ -245,7 +260,9 @@ TEST_F(ResourceStoreTest, TablesAreReplacedWholeAndReadBack) {
     auto store = Create();
     ASSERT_TRUE(store);
     ts::GameTable table;
-    ASSERT_TRUE(ts::GameTable::FromCsv(u"toolset_dlglang", "ID,LanguageName\n0,English\n1,\"Fran\xC3\xA7" "ais, Canada\"\n",
+    ASSERT_TRUE(ts::GameTable::FromCsv(u"toolset_dlglang",
+                                       "ID,LanguageName\n0,English\n1,\"Fran\xC3\xA7"
+                                       "ais, Canada\"\n",
                                        table));
     ASSERT_TRUE(store->ImportTable(table));
     ts::GameTable back;
@@ -256,7 +273,8 @@ TEST_F(ResourceStoreTest, TablesAreReplacedWholeAndReadBack) {
     EXPECT_EQ(cell, u"Fran\u00e7ais, Canada");
 
     ts::GameTable smaller;
-    ASSERT_TRUE(ts::GameTable::FromCsv(u"Toolset_DlgLang", "ID,LanguageName\n0,English\n", smaller));
+    ASSERT_TRUE(
+        ts::GameTable::FromCsv(u"Toolset_DlgLang", "ID,LanguageName\n0,English\n", smaller));
     ASSERT_TRUE(store->ImportTable(smaller));
     ASSERT_TRUE(store->ReadTable(u"toolset_dlglang", back));
     EXPECT_EQ(back.RowCount(), 1u);
@@ -293,7 +311,8 @@ TEST_F(ResourceStoreTest, ABatchKeepsAllOrNothing) {
         // A failed step inside the batch leaves the batch's other steps in place.
         ASSERT_TRUE(store->CreateResource(u"locked", u"dlg", bytes, u"ann"));
         ASSERT_TRUE(store->SetLocked(u"locked", u"dlg", true));
-        EXPECT_EQ(store->SaveResource(u"locked", u"dlg", bytes, ts::kAnyVersion, u"ann").status, StoreStatus::Locked);
+        EXPECT_EQ(store->SaveResource(u"locked", u"dlg", bytes, ts::kAnyVersion, u"ann").status,
+                  StoreStatus::Locked);
         ASSERT_TRUE(store->SetString(7, 0, u"seven"));
         ASSERT_TRUE(batch.Commit());
     }
@@ -311,10 +330,13 @@ TEST_F(ResourceStoreTest, AModuleHeldByAnotherProgramIsReportedBusy) {
     ASSERT_TRUE(second);
 
     ASSERT_TRUE(first->BeginBatch());
-    ASSERT_TRUE(first->SaveResource(u"a", u"dlg", std::vector<std::uint8_t>{2}, ts::kAnyVersion, u"ann"));
-    auto busy = second->SaveResource(u"a", u"dlg", std::vector<std::uint8_t>{3}, ts::kAnyVersion, u"bob");
+    ASSERT_TRUE(
+        first->SaveResource(u"a", u"dlg", std::vector<std::uint8_t>{2}, ts::kAnyVersion, u"ann"));
+    auto busy =
+        second->SaveResource(u"a", u"dlg", std::vector<std::uint8_t>{3}, ts::kAnyVersion, u"bob");
     EXPECT_EQ(busy.status, StoreStatus::Busy);
-    EXPECT_NE(busy.message.find(u"in use by another program"), std::u16string::npos) << U8(busy.message);
+    EXPECT_NE(busy.message.find(u"in use by another program"), std::u16string::npos)
+        << U8(busy.message);
     // Readers still see the last saved version meanwhile.
     std::vector<std::uint8_t> content;
     ASSERT_TRUE(second->ReadResource(u"a", u"dlg", content));

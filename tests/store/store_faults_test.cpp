@@ -9,7 +9,9 @@
 
 namespace {
 
-std::string U8(const std::u16string& s) { return ts::Utf16ToUtf8(s); }
+std::string U8(const std::u16string& s) {
+    return ts::Utf16ToUtf8(s);
+}
 
 std::vector<std::uint8_t> Content(std::uint8_t fill, std::size_t size) {
     std::vector<std::uint8_t> bytes(size);
@@ -47,7 +49,8 @@ TEST(StoreFaults, ASaveThatFailsMidWayKeepsTheStoredVersion) {
             if (!saved) {
                 ++failures;
                 EXPECT_EQ(saved.status, ts::StoreStatus::Failed) << U8(saved.message);
-                EXPECT_NE(saved.message.find(u"Could not save the resource \"big\" (dlg)"), std::u16string::npos);
+                EXPECT_NE(saved.message.find(u"Could not save the resource \"big\" (dlg)"),
+                          std::u16string::npos);
                 // The failed save is not visible in the session that tried it either.
                 std::vector<std::uint8_t> content;
                 ts::test::Faults() = {};

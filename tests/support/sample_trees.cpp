@@ -18,7 +18,8 @@ Node Add(ITsProperty* parent, std::u16string_view name, std::uint32_t type, std:
 }
 
 template <class T>
-void AddValue(ITsProperty* parent, std::u16string_view name, std::uint32_t type, T value, std::uint32_t flags = 2) {
+void AddValue(ITsProperty* parent, std::u16string_view name, std::uint32_t type, T value,
+              std::uint32_t flags = 2) {
     Add(parent, name, type, flags)->SetValue(variant(type, value));
 }
 
@@ -26,7 +27,8 @@ void AddValue(ITsProperty* parent, std::u16string_view name, std::uint32_t type,
 
 CTsComPtr<ITsProperty> MakeSampleTree() {
     Node root;
-    TsCreateProperty(u"Sample", kTsTypeList, 2, u"Agent", u"Resource", u"Top", u"A sample resource", u"", root.Put());
+    TsCreateProperty(u"Sample", kTsTypeList, 2, u"Agent", u"Resource", u"Top", u"A sample resource",
+                     u"", root.Put());
     Node name;
     TsCreateProperty(u"ResRefName", kTsTypeString, 2060, u"Resource Name", u"", u"",
                      u"A unique string identifier", u"", name.Put());
@@ -72,7 +74,8 @@ CTsComPtr<ITsProperty> MakeSampleTree() {
         ++index;
     }
     // The same name declared twice with different attributes and types.
-    Add(root.Get(), u"Text", kTsTypeString, 2, u"Other text", u"ScriptSelect")->SetValue(variant(kTsTypeString, u"x"));
+    Add(root.Get(), u"Text", kTsTypeString, 2, u"Other text", u"ScriptSelect")
+        ->SetValue(variant(kTsTypeString, u"x"));
     Add(root.Get(), u"Text", kTsTypeInt, 0);
     return root;
 }
@@ -84,8 +87,9 @@ CTsComPtr<ITsProperty> MakeBulkyTree(int count) {
     for (int i = 0; i < count; ++i) {
         Node line = Add(lines.Get(), u"Agent", kTsTypeList, 2, u"Agent");
         AddValue(line.Get(), u"StringID", kTsTypeInt, i, 0);
-        std::u16string text = u"Line " + Utf8ToUtf16(std::to_string(i)) +
-                              u": the innkeeper wipes the counter and says nothing for a long while.";
+        std::u16string text =
+            u"Line " + Utf8ToUtf16(std::to_string(i)) +
+            u": the innkeeper wipes the counter and says nothing for a long while.";
         AddValue(line.Get(), u"Text", kTsTypeString, std::u16string_view(text));
         AddValue(line.Get(), u"Ambient", kTsTypeBool, i % 7 == 0);
     }

@@ -18,13 +18,18 @@ std::u16string Index(std::u16string_view group, std::u16string_view key) {
 
 std::string Ascii(std::u16string_view text) {
     std::string out;
-    for (char16_t c : text) out += c < 0x80 ? static_cast<char>(c) : '\x7F';  // never a digit or blank
+    for (char16_t c : text)
+        out += c < 0x80 ? static_cast<char>(c) : '\x7F';  // never a digit or blank
     return out;
 }
 
 std::string_view Trim(std::string_view s) {
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t' || s.front() == '\n' || s.front() == '\r')) s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\n' || s.back() == '\r')) s.remove_suffix(1);
+    while (!s.empty() &&
+           (s.front() == ' ' || s.front() == '\t' || s.front() == '\n' || s.front() == '\r'))
+        s.remove_prefix(1);
+    while (!s.empty() &&
+           (s.back() == ' ' || s.back() == '\t' || s.back() == '\n' || s.back() == '\r'))
+        s.remove_suffix(1);
     return s;
 }
 
@@ -81,7 +86,8 @@ bool Configuration::LoadFile(const std::string& path, std::u16string* error) {
     return LoadText(text.str(), Utf8ToUtf16(path), error);
 }
 
-bool Configuration::LoadText(std::string_view xml, std::u16string_view origin, std::u16string* error) {
+bool Configuration::LoadText(std::string_view xml, std::u16string_view origin,
+                             std::u16string* error) {
     SettingsFile file;
     std::u16string problem;
     if (!ParseSettings(xml, file, problem)) {
@@ -89,7 +95,8 @@ bool Configuration::LoadText(std::string_view xml, std::u16string_view origin, s
         return false;
     }
     for (auto& v : file.values)
-        values_[Index(v.group, v.key)] = {std::move(v.text), Format(u"%ls, line %lu", origin, v.line)};
+        values_[Index(v.group, v.key)] = {std::move(v.text),
+                                          Format(u"%ls, line %lu", origin, v.line)};
     for (auto& [section, entries] : file.menus) menus_[AsciiLower(section)] = std::move(entries);
     return true;
 }
@@ -102,7 +109,8 @@ const Configuration::Stored* Configuration::Find(std::u16string_view group, std:
                                                  std::u16string* error) const {
     auto it = values_.find(Index(group, key));
     if (it != values_.end()) return &it->second;
-    if (error) *error = Format(u"The settings have no value \"%ls\" in the group \"%ls\"", key, group);
+    if (error)
+        *error = Format(u"The settings have no value \"%ls\" in the group \"%ls\"", key, group);
     return nullptr;
 }
 
@@ -110,20 +118,24 @@ namespace {
 bool Unreadable(std::u16string* error, std::u16string_view group, std::u16string_view key,
                 const Configuration::Stored& stored, const char16_t* kind) {
     if (error)
-        *error = Format(u"The setting \"%ls\" of the group \"%ls\" (%ls) is not %ls: \"%ls\"", key, group, stored.origin,
-                        kind, stored.text);
+        *error = Format(u"The setting \"%ls\" of the group \"%ls\" (%ls) is not %ls: \"%ls\"", key,
+                        group, stored.origin, kind, stored.text);
     return false;
 }
 }  // namespace
 
-bool Configuration::GetBool(std::u16string_view group, std::u16string_view key, bool& out, std::u16string* error) const {
+bool Configuration::GetBool(std::u16string_view group, std::u16string_view key, bool& out,
+                            std::u16string* error) const {
     const Stored* s = Find(group, key, error);
     if (!s) return false;
     std::string text = Ascii(AsciiLower(s->text));
     std::string_view t = Trim(text);
-    if (t == "true" || t == "yes" || t == "1") out = true;
-    else if (t == "false" || t == "no" || t == "0") out = false;
-    else return Unreadable(error, group, key, *s, u"true or false");
+    if (t == "true" || t == "yes" || t == "1")
+        out = true;
+    else if (t == "false" || t == "no" || t == "0")
+        out = false;
+    else
+        return Unreadable(error, group, key, *s, u"true or false");
     return true;
 }
 
@@ -137,7 +149,8 @@ bool Configuration::GetInt(std::u16string_view group, std::u16string_view key, s
     return true;
 }
 
-bool Configuration::GetFloat(std::u16string_view group, std::u16string_view key, float& out, std::u16string* error) const {
+bool Configuration::GetFloat(std::u16string_view group, std::u16string_view key, float& out,
+                             std::u16string* error) const {
     const Stored* s = Find(group, key, error);
     if (!s) return false;
     float v;
@@ -146,8 +159,8 @@ bool Configuration::GetFloat(std::u16string_view group, std::u16string_view key,
     return true;
 }
 
-bool Configuration::GetString(std::u16string_view group, std::u16string_view key, std::u16string& out,
-                              std::u16string* error) const {
+bool Configuration::GetString(std::u16string_view group, std::u16string_view key,
+                              std::u16string& out, std::u16string* error) const {
     const Stored* s = Find(group, key, error);
     if (!s) return false;
     out = s->text;
@@ -159,7 +172,8 @@ bool Configuration::GetColour(std::u16string_view group, std::u16string_view key
     const Stored* s = Find(group, key, error);
     if (!s) return false;
     TsColour c;
-    if (!ParseColour(Ascii(s->text), c)) return Unreadable(error, group, key, *s, u"a colour (such as 0.5 0.5 1 or #7F7FFF)");
+    if (!ParseColour(Ascii(s->text), c))
+        return Unreadable(error, group, key, *s, u"a colour (such as 0.5 0.5 1 or #7F7FFF)");
     out = c;
     return true;
 }
@@ -176,9 +190,12 @@ EnvironmentSettings ReadEnvironment(const Configuration& configuration) {
         std::u16string error;
         bool ok = true;
         using T = std::decay_t<decltype(field)>;
-        if constexpr (std::is_same_v<T, bool>) ok = configuration.GetBool(u"Environment", key, field, &error);
-        else if constexpr (std::is_same_v<T, std::int32_t>) ok = configuration.GetInt(u"Environment", key, field, &error);
-        else ok = configuration.GetString(u"Environment", key, field, &error);
+        if constexpr (std::is_same_v<T, bool>)
+            ok = configuration.GetBool(u"Environment", key, field, &error);
+        else if constexpr (std::is_same_v<T, std::int32_t>)
+            ok = configuration.GetInt(u"Environment", key, field, &error);
+        else
+            ok = configuration.GetString(u"Environment", key, field, &error);
         if (!ok) Report(ReportLevel::Warning, "configuration", __LINE__, error);
     };
 #define TS_ENVIRONMENT_READ(Name, Kind, Default) read(u"" #Name, settings.Name);

@@ -23,7 +23,8 @@ public:
     }
     static void XMLCALL End(void* self, const XML_Char*) { static_cast<Handler*>(self)->OnEnd(); }
     static void XMLCALL Text(void* self, const XML_Char* text, int length) {
-        static_cast<Handler*>(self)->OnText(std::string_view(text, static_cast<std::size_t>(length)));
+        static_cast<Handler*>(self)->OnText(
+            std::string_view(text, static_cast<std::size_t>(length)));
     }
 
 private:
@@ -37,8 +38,8 @@ private:
     }
 
     // The value of the attribute `wanted`; every other attribute is refused as a typo.
-    bool Attribute(const XML_Char** attributes, std::string_view element, std::string_view wanted, std::u16string& out,
-                   bool required = true) {
+    bool Attribute(const XML_Char** attributes, std::string_view element, std::string_view wanted,
+                   std::u16string& out, bool required = true) {
         bool found = false;
         for (int i = 0; attributes[i]; i += 2) {
             if (wanted == attributes[i]) {
@@ -60,12 +61,15 @@ private:
         std::string_view name = rawName;
         Element parent = stack_.empty() ? Element::Settings : stack_.back();
         if (stack_.empty()) {
-            if (name != "Settings") return Stop(Format(u"the root element is <%s>; settings files start with <Settings>", name));
+            if (name != "Settings")
+                return Stop(Format(
+                    u"the root element is <%s>; settings files start with <Settings>", name));
             std::u16string version;
             if (!Attribute(attributes, name, "Version", version, false)) return;
             if (!version.empty() && version != u"1")
-                return Stop(Format(u"the settings are of version %ls; this toolset reads version %d", version,
-                                   kSettingsVersion));
+                return Stop(
+                    Format(u"the settings are of version %ls; this toolset reads version %d",
+                           version, kSettingsVersion));
             stack_.push_back(Element::Settings);
             return;
         }
@@ -104,9 +108,11 @@ private:
             menuStack_.back()->push_back(std::move(entry));
             stack_.push_back(Element::Command);
         } else {
-            Stop(Format(u"<%s> is not expected here (settings hold <Group> with <Value>, and <Menus> with <Popup>, "
-                        u"<Separator> and <Command>)",
-                        name));
+            Stop(
+                Format(u"<%s> is not expected here (settings hold <Group> with <Value>, and "
+                       u"<Menus> with <Popup>, "
+                       u"<Separator> and <Command>)",
+                       name));
         }
     }
 
@@ -126,7 +132,8 @@ private:
             return;
         }
         for (char c : text)
-            if (c != ' ' && c != '\t' && c != '\n' && c != '\r') return Stop(u"text outside a <Value>");
+            if (c != ' ' && c != '\t' && c != '\n' && c != '\r')
+                return Stop(u"text outside a <Value>");
     }
 
     XML_Parser parser_;
@@ -157,7 +164,8 @@ bool ParseSettings(std::string_view xml, SettingsFile& out, std::u16string& erro
     if (!ok) {
         error = !handler.Problem().empty()
                     ? handler.Problem()
-                    : Format(u"line %lu, column %lu: %s", static_cast<unsigned long>(XML_GetCurrentLineNumber(parser)),
+                    : Format(u"line %lu, column %lu: %s",
+                             static_cast<unsigned long>(XML_GetCurrentLineNumber(parser)),
                              static_cast<unsigned long>(XML_GetCurrentColumnNumber(parser) + 1),
                              XML_ErrorString(XML_GetErrorCode(parser)));
     }

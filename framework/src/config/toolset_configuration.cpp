@@ -14,7 +14,8 @@ void LoadInto(Configuration& c) {
     c = Configuration();
     std::u16string error;
     if (!c.LoadFile(ApplicationDataFolder() + "/DefaultSettings.xml", &error))
-        Report(ReportLevel::Warning, "configuration", __LINE__, u"The default settings could not be read: " + error);
+        Report(ReportLevel::Warning, "configuration", __LINE__,
+               u"The default settings could not be read: " + error);
     std::error_code ec;
     std::string user = UserSettingsPath();
     if (std::filesystem::exists(user, ec) && !c.LoadFile(user, &error))
@@ -33,8 +34,8 @@ Configuration& Instance() {
 
 class ConfigurationObject : public CTsComObjectRoot<ITsConfiguration> {
 public:
-    HRESULT ReadValue(std::u16string_view group, std::u16string_view key, variant* value, std::uint32_t wantedType,
-                      std::uint32_t) override {
+    HRESULT ReadValue(std::u16string_view group, std::u16string_view key, variant* value,
+                      std::uint32_t wantedType, std::uint32_t) override {
         if (!value) return E_POINTER;
         const Configuration& c = Instance();
         if (!c.Has(group, key)) return TS_E_NOT_FOUND;
@@ -58,7 +59,8 @@ public:
             }
             case kTsTypeString: {
                 std::u16string v;
-                if ((ok = c.GetString(group, key, v, &error))) *value = variant(kTsTypeString, std::u16string_view(v));
+                if ((ok = c.GetString(group, key, v, &error)))
+                    *value = variant(kTsTypeString, std::u16string_view(v));
                 break;
             }
             case kTsTypeColour: {
@@ -66,7 +68,8 @@ public:
                 if ((ok = c.GetColour(group, key, v, &error))) *value = variant(kTsTypeColour, v);
                 break;
             }
-            default: return E_INVALIDARG;
+            default:
+                return E_INVALIDARG;
         }
         if (ok) return S_OK;
         Report(ReportLevel::Warning, "configuration", __LINE__, error);
@@ -89,11 +92,17 @@ std::string ApplicationDataFolder() {
     return TS_SOURCE_DATA_FOLDER;
 }
 
-std::string UserSettingsPath() { return ToolsetConfigFolder() + "/Settings.xml"; }
+std::string UserSettingsPath() {
+    return ToolsetConfigFolder() + "/Settings.xml";
+}
 
-const Configuration& ToolsetConfiguration() { return Instance(); }
+const Configuration& ToolsetConfiguration() {
+    return Instance();
+}
 
-void ReloadToolsetConfiguration() { LoadInto(Instance()); }
+void ReloadToolsetConfiguration() {
+    LoadInto(Instance());
+}
 
 }  // namespace ts
 

@@ -24,7 +24,8 @@ protected:
 
 class ResourceObject : public CTsComObjectRoot<ITsResource, IResourceObjectPrivate> {
 public:
-    void Init(std::u16string name, std::u16string type, CTsComPtr<ITsProperty> root, std::int32_t version) {
+    void Init(std::u16string name, std::u16string type, CTsComPtr<ITsProperty> root,
+              std::int32_t version) {
         name_ = std::move(name);
         type_ = std::move(type);
         root_ = std::move(root);
@@ -69,7 +70,9 @@ public:
         return S_OK;
     }
     std::uint32_t GetRowCount() override { return static_cast<std::uint32_t>(table_.RowCount()); }
-    std::uint32_t GetColumnCount() override { return static_cast<std::uint32_t>(table_.ColumnCount()); }
+    std::uint32_t GetColumnCount() override {
+        return static_cast<std::uint32_t>(table_.ColumnCount());
+    }
     HRESULT FindColumn(std::u16string_view name, std::uint32_t* column) override {
         if (!column) return E_POINTER;
         std::size_t c;
@@ -81,8 +84,9 @@ public:
     HRESULT GetRowId(std::uint32_t row, std::int32_t* id) override {
         if (!id) return E_POINTER;
         if (row >= table_.RowCount())
-            return Refuse(E_INVALIDARG, Format(u"The table \"%ls\" has %lu rows; there is no row at index %u", table_.Name(),
-                                               table_.RowCount(), row));
+            return Refuse(E_INVALIDARG,
+                          Format(u"The table \"%ls\" has %lu rows; there is no row at index %u",
+                                 table_.Name(), table_.RowCount(), row));
         *id = table_.RowId(row);
         return S_OK;
     }
@@ -123,7 +127,8 @@ public:
         user_ = std::move(user);
     }
 
-    HRESULT OpenResource(std::u16string_view name, std::u16string_view type, ITsResource** resource) override {
+    HRESULT OpenResource(std::u16string_view name, std::u16string_view type,
+                         ITsResource** resource) override {
         if (!resource) return E_POINTER;
         *resource = nullptr;
         std::vector<std::uint8_t> bytes;
@@ -132,7 +137,8 @@ public:
         CTsComPtr<ITsProperty> root;
         std::u16string error;
         if (!DecodeResource(bytes, root, &error))
-            return Fail(TS_E_DAMAGED, Format(u"The resource \"%ls\" (%ls) cannot be read: %ls", name, type, error));
+            return Fail(TS_E_DAMAGED, Format(u"The resource \"%ls\" (%ls) cannot be read: %ls",
+                                             name, type, error));
         return Hand(info.name, info.type, root, info.version, resource);
     }
 
@@ -143,23 +149,29 @@ public:
         std::vector<std::uint8_t> bytes;
         std::u16string error;
         if (!EncodeResource(root, bytes, &error))
-            return Fail(E_INVALIDARG, Format(u"The resource \"%ls\" (%ls) cannot be stored: %ls", name, type, error));
+            return Fail(E_INVALIDARG, Format(u"The resource \"%ls\" (%ls) cannot be stored: %ls",
+                                             name, type, error));
         if (auto r = store_->CreateResource(name, type, bytes, user_); !r) return Fail(r);
-        return Hand(std::u16string(name), std::u16string(type), CTsComPtr<ITsProperty>(root), 1, resource);
+        return Hand(std::u16string(name), std::u16string(type), CTsComPtr<ITsProperty>(root), 1,
+                    resource);
     }
 
     HRESULT SaveResource(ITsResource* resource) override {
         if (!resource) return E_POINTER;
         CTsComPtr<IResourceObjectPrivate> own;
         if (FAILED(resource->QueryInterface(IResourceObjectPrivate::kIID, own.PutVoid())))
-            return Fail(E_INVALIDARG, u"The resource to save was not opened through this resource manager");
+            return Fail(E_INVALIDARG,
+                        u"The resource to save was not opened through this resource manager");
         CTsComPtr<ITsProperty> root;
         resource->GetRootProperty(root.Put());
         std::vector<std::uint8_t> bytes;
         std::u16string error;
         if (!EncodeResource(root.Get(), bytes, &error))
-            return Fail(E_INVALIDARG, Format(u"The resource \"%ls\" (%ls) cannot be saved: %ls", own->Name(), own->Type(), error));
-        if (auto r = store_->SaveResource(own->Name(), own->Type(), bytes, own->Version(), user_); !r) return Fail(r);
+            return Fail(E_INVALIDARG, Format(u"The resource \"%ls\" (%ls) cannot be saved: %ls",
+                                             own->Name(), own->Type(), error));
+        if (auto r = store_->SaveResource(own->Name(), own->Type(), bytes, own->Version(), user_);
+            !r)
+            return Fail(r);
         own->SetVersion(own->Version() + 1);
         return S_OK;
     }
@@ -168,7 +180,8 @@ public:
         return Done(store_->DeleteResource(name, type, user_));
     }
 
-    HRESULT GetResourceInfo(std::u16string_view name, std::u16string_view type, ResourceInfo* info) override {
+    HRESULT GetResourceInfo(std::u16string_view name, std::u16string_view type,
+                            ResourceInfo* info) override {
         if (!info) return E_POINTER;
         return Done(store_->GetResourceInfo(name, type, *info));
     }
@@ -214,7 +227,8 @@ public:
         return S_OK;
     }
 
-    HRESULT SetString(std::int32_t stringId, std::int32_t language, std::u16string_view text) override {
+    HRESULT SetString(std::int32_t stringId, std::int32_t language,
+                      std::u16string_view text) override {
         return Done(store_->SetString(stringId, language, text));
     }
 
@@ -260,8 +274,8 @@ private:
     HRESULT Fail(const StoreResult& r) { return Fail(ResultOf(r.status), r.message); }
     HRESULT Done(const StoreResult& r) { return r ? S_OK : Fail(r); }
 
-    HRESULT Hand(std::u16string name, std::u16string type, CTsComPtr<ITsProperty> root, std::int32_t version,
-                 ITsResource** resource) {
+    HRESULT Hand(std::u16string name, std::u16string type, CTsComPtr<ITsProperty> root,
+                 std::int32_t version, ITsResource** resource) {
         auto object = CTsComObject<ResourceObject>::Create();
         if (!object) return E_OUTOFMEMORY;
         object->Init(std::move(name), std::move(type), std::move(root), version);
@@ -278,16 +292,25 @@ private:
 
 HRESULT ResultOf(StoreStatus status) {
     switch (status) {
-        case StoreStatus::Ok: return S_OK;
-        case StoreStatus::NotFound: return TS_E_NOT_FOUND;
-        case StoreStatus::AlreadyExists: return TS_E_ALREADY_EXISTS;
-        case StoreStatus::InvalidArgument: return E_INVALIDARG;
+        case StoreStatus::Ok:
+            return S_OK;
+        case StoreStatus::NotFound:
+            return TS_E_NOT_FOUND;
+        case StoreStatus::AlreadyExists:
+            return TS_E_ALREADY_EXISTS;
+        case StoreStatus::InvalidArgument:
+            return E_INVALIDARG;
         case StoreStatus::Locked:
-        case StoreStatus::CheckedOut: return TS_E_LOCKED;
-        case StoreStatus::VersionConflict: return TS_E_VERSION_CONFLICT;
-        case StoreStatus::Busy: return TS_E_BUSY;
-        case StoreStatus::Damaged: return TS_E_DAMAGED;
-        case StoreStatus::Failed: break;
+        case StoreStatus::CheckedOut:
+            return TS_E_LOCKED;
+        case StoreStatus::VersionConflict:
+            return TS_E_VERSION_CONFLICT;
+        case StoreStatus::Busy:
+            return TS_E_BUSY;
+        case StoreStatus::Damaged:
+            return TS_E_DAMAGED;
+        case StoreStatus::Failed:
+            break;
     }
     return E_FAIL;
 }

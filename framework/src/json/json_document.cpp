@@ -41,11 +41,15 @@ private:
     }
 
     void SkipSpace() {
-        while (p_ < s_.size() && (s_[p_] == ' ' || s_[p_] == '\t' || s_[p_] == '\n' || s_[p_] == '\r')) ++p_;
+        while (p_ < s_.size() &&
+               (s_[p_] == ' ' || s_[p_] == '\t' || s_[p_] == '\n' || s_[p_] == '\r'))
+            ++p_;
     }
 
     bool Literal(std::string_view word, Kind kind, Value& out) {
-        if (s_.substr(p_, word.size()) != word) return Fail(u"expected a value (an object, array, string, number, true, false or null)");
+        if (s_.substr(p_, word.size()) != word)
+            return Fail(
+                u"expected a value (an object, array, string, number, true, false or null)");
         out.kind = kind;
         p_ += word.size();
         return true;
@@ -57,13 +61,21 @@ private:
         out = Value{};
         out.at = static_cast<std::uint32_t>(p_);
         switch (s_[p_]) {
-            case '{': return ParseObject(out, depth + 1);
-            case '[': return ParseArray(out, depth + 1);
-            case '"': out.kind = Kind::String; return ParseString(out);
-            case 't': return Literal("true", Kind::True, out);
-            case 'f': return Literal("false", Kind::False, out);
-            case 'n': return Literal("null", Kind::Null, out);
-            default: return ParseNumber(out);
+            case '{':
+                return ParseObject(out, depth + 1);
+            case '[':
+                return ParseArray(out, depth + 1);
+            case '"':
+                out.kind = Kind::String;
+                return ParseString(out);
+            case 't':
+                return Literal("true", Kind::True, out);
+            case 'f':
+                return Literal("false", Kind::False, out);
+            case 'n':
+                return Literal("null", Kind::Null, out);
+            default:
+                return ParseNumber(out);
         }
     }
 
@@ -78,7 +90,8 @@ private:
         if (p_ < s_.size() && s_[p_] == '0') {
             ++p_;
         } else if (!digits()) {
-            return FailAt(start, u"expected a value (an object, array, string, number, true, false or null)");
+            return FailAt(
+                start, u"expected a value (an object, array, string, number, true, false or null)");
         }
         if (p_ < s_.size() && s_[p_] == '.') {
             ++p_;
@@ -100,7 +113,10 @@ private:
         unsigned v = 0;
         for (int i = 0; i < 4; ++i) {
             char c = s_[p_ + i];
-            int d = c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'f' ? c - 'a' + 10 : c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+            int d = c >= '0' && c <= '9'   ? c - '0'
+                    : c >= 'a' && c <= 'f' ? c - 'a' + 10
+                    : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                           : -1;
             if (d < 0) return Fail(u"a \\u escape needs four hexadecimal digits");
             v = v * 16 + static_cast<unsigned>(d);
         }
@@ -114,17 +130,22 @@ private:
         auto b = static_cast<unsigned char>(s_[p_]);
         int extra;
         char32_t c, least;
-        if (b >= 0xC2 && b <= 0xDF) extra = 1, c = b & 0x1F, least = 0x80;
-        else if (b >= 0xE0 && b <= 0xEF) extra = 2, c = b & 0x0F, least = 0x800;
-        else if (b >= 0xF0 && b <= 0xF4) extra = 3, c = b & 0x07, least = 0x10000;
-        else return Fail(u"the text is not valid UTF-8");
+        if (b >= 0xC2 && b <= 0xDF)
+            extra = 1, c = b & 0x1F, least = 0x80;
+        else if (b >= 0xE0 && b <= 0xEF)
+            extra = 2, c = b & 0x0F, least = 0x800;
+        else if (b >= 0xF0 && b <= 0xF4)
+            extra = 3, c = b & 0x07, least = 0x10000;
+        else
+            return Fail(u"the text is not valid UTF-8");
         if (p_ + extra >= s_.size()) return Fail(u"the text is not valid UTF-8");
         for (int k = 1; k <= extra; ++k) {
             auto t = static_cast<unsigned char>(s_[p_ + k]);
             if ((t & 0xC0) != 0x80) return Fail(u"the text is not valid UTF-8");
             c = (c << 6) | (t & 0x3F);
         }
-        if (c < least || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF)) return Fail(u"the text is not valid UTF-8");
+        if (c < least || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF))
+            return Fail(u"the text is not valid UTF-8");
         p_ += static_cast<std::size_t>(extra) + 1;
         if (c >= 0x10000) {
             c -= 0x10000;
@@ -147,7 +168,8 @@ private:
                 break;
             }
             if (static_cast<unsigned char>(c) < 0x20)
-                return Fail(u"a string holds a control character; write it as an escape such as \\n");
+                return Fail(
+                    u"a string holds a control character; write it as an escape such as \\n");
             if (static_cast<unsigned char>(c) >= 0x80) {
                 if (!Utf8()) return false;
                 continue;
@@ -160,14 +182,30 @@ private:
             if (++p_ >= s_.size()) return FailAt(out.at, u"a string is not closed");
             char e = s_[p_++];
             switch (e) {
-                case '"': pool_ += u'"'; break;
-                case '\\': pool_ += u'\\'; break;
-                case '/': pool_ += u'/'; break;
-                case 'b': pool_ += u'\b'; break;
-                case 'f': pool_ += u'\f'; break;
-                case 'n': pool_ += u'\n'; break;
-                case 'r': pool_ += u'\r'; break;
-                case 't': pool_ += u'\t'; break;
+                case '"':
+                    pool_ += u'"';
+                    break;
+                case '\\':
+                    pool_ += u'\\';
+                    break;
+                case '/':
+                    pool_ += u'/';
+                    break;
+                case 'b':
+                    pool_ += u'\b';
+                    break;
+                case 'f':
+                    pool_ += u'\f';
+                    break;
+                case 'n':
+                    pool_ += u'\n';
+                    break;
+                case 'r':
+                    pool_ += u'\r';
+                    break;
+                case 't':
+                    pool_ += u'\t';
+                    break;
                 case 'u': {
                     // Escaped units are taken as they stand, so lone surrogates survive.
                     char16_t unit;
@@ -175,7 +213,9 @@ private:
                     pool_ += unit;
                     break;
                 }
-                default: p_ -= 2; return Fail(u"unknown escape in a string");
+                default:
+                    p_ -= 2;
+                    return Fail(u"unknown escape in a string");
             }
         }
         out.a = static_cast<std::uint32_t>(start);
@@ -184,7 +224,8 @@ private:
     }
 
     bool ParseArray(Value& out, int depth) {
-        if (depth > kMaxDepth) return Fail(Format(u"the values nest deeper than %d levels", kMaxDepth));
+        if (depth > kMaxDepth)
+            return Fail(Format(u"the values nest deeper than %d levels", kMaxDepth));
         ++p_;
         out.kind = Kind::Array;
         std::size_t first = scratch_.size();
@@ -205,7 +246,8 @@ private:
                     ++p_;
                     break;
                 }
-                return Fail(p_ >= s_.size() ? u"the text ends inside an array" : u"expected ',' or ']' in an array");
+                return Fail(p_ >= s_.size() ? u"the text ends inside an array"
+                                            : u"expected ',' or ']' in an array");
             }
         }
         Settle(out, first, scratch_.size() - first);
@@ -213,7 +255,8 @@ private:
     }
 
     bool ParseObject(Value& out, int depth) {
-        if (depth > kMaxDepth) return Fail(Format(u"the values nest deeper than %d levels", kMaxDepth));
+        if (depth > kMaxDepth)
+            return Fail(Format(u"the values nest deeper than %d levels", kMaxDepth));
         ++p_;
         out.kind = Kind::Object;
         std::size_t first = scratch_.size();
@@ -232,7 +275,8 @@ private:
                 std::u16string_view name = std::u16string_view(pool_).substr(key.a, key.b);
                 for (std::size_t i = first; i < scratch_.size(); i += 2)
                     if (std::u16string_view(pool_).substr(scratch_[i].a, scratch_[i].b) == name)
-                        return FailAt(key.at, Format(u"the key \"%ls\" appears twice in this object", name));
+                        return FailAt(
+                            key.at, Format(u"the key \"%ls\" appears twice in this object", name));
                 SkipSpace();
                 if (p_ >= s_.size() || s_[p_] != ':') return Fail(u"expected ':' after a key");
                 ++p_;
@@ -249,7 +293,8 @@ private:
                     ++p_;
                     break;
                 }
-                return Fail(p_ >= s_.size() ? u"the text ends inside an object" : u"expected ',' or '}' in an object");
+                return Fail(p_ >= s_.size() ? u"the text ends inside an object"
+                                            : u"expected ',' or '}' in an object");
             }
         }
         Settle(out, first, (scratch_.size() - first) / 2);
@@ -261,7 +306,8 @@ private:
     void Settle(Value& out, std::size_t first, std::size_t count) {
         out.a = static_cast<std::uint32_t>(values_.size());
         out.b = static_cast<std::uint32_t>(count);
-        values_.insert(values_.end(), scratch_.begin() + static_cast<std::ptrdiff_t>(first), scratch_.end());
+        values_.insert(values_.end(), scratch_.begin() + static_cast<std::ptrdiff_t>(first),
+                       scratch_.end());
         scratch_.resize(first);
     }
 
@@ -310,7 +356,8 @@ std::u16string Document::Where(std::size_t offset) const {
             ++column;  // count characters, not the continuation bytes of UTF-8
         }
     }
-    return Format(u"line %lu, column %lu", static_cast<unsigned long>(line), static_cast<unsigned long>(column));
+    return Format(u"line %lu, column %lu", static_cast<unsigned long>(line),
+                  static_cast<unsigned long>(column));
 }
 
 }  // namespace ts::json

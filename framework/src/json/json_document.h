@@ -42,9 +42,13 @@ public:
     bool Parse(std::string_view utf8, std::u16string* error);
 
     const Value& Root() const { return values_.back(); }
-    std::u16string_view String(const Value& v) const { return std::u16string_view(pool_).substr(v.a, v.b); }
+    std::u16string_view String(const Value& v) const {
+        return std::u16string_view(pool_).substr(v.a, v.b);
+    }
     std::string_view NumberText(const Value& v) const { return source_.substr(v.a, v.b); }
-    std::span<const Value> Items(const Value& array) const { return {values_.data() + array.a, array.b}; }
+    std::span<const Value> Items(const Value& array) const {
+        return {values_.data() + array.a, array.b};
+    }
     std::uint32_t MemberCount(const Value& object) const { return object.b; }
     Member MemberAt(const Value& object, std::uint32_t i) const {
         const Value* pair = values_.data() + object.a + 2 * i;

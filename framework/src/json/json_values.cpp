@@ -17,9 +17,9 @@ struct TypeName {
     const char16_t* name;
 };
 constexpr TypeName kTypeNames[] = {
-    {kTsTypeList, u"list"},         {kTsTypeInt, u"int"},       {kTsTypeUInt, u"uint"},
-    {kTsTypeFloat, u"float"},       {kTsTypeDouble, u"double"}, {kTsTypeString, u"string"},
-    {kTsTypeVector, u"vector"},     {kTsTypeBool, u"bool"},     {kTsTypeUInt2, u"uint2"},
+    {kTsTypeList, u"list"},         {kTsTypeInt, u"int"},         {kTsTypeUInt, u"uint"},
+    {kTsTypeFloat, u"float"},       {kTsTypeDouble, u"double"},   {kTsTypeString, u"string"},
+    {kTsTypeVector, u"vector"},     {kTsTypeBool, u"bool"},       {kTsTypeUInt2, u"uint2"},
     {kTsTypeDateTime, u"datetime"}, {kTsTypeString2, u"string2"}, {kTsTypeColour, u"colour"},
     {kTsTypeBlob, u"bytes"},
 };
@@ -91,11 +91,13 @@ const char16_t* TypeCodeName(std::uint32_t code) {
     return u"";
 }
 
-bool ReadValue(const Document& doc, const Value& v, std::uint32_t type, variant& out, std::u16string& problem) {
+bool ReadValue(const Document& doc, const Value& v, std::uint32_t type, variant& out,
+               std::u16string& problem) {
     switch (TsAccessorGroup(type)) {
         case kTsTypeInt: {
             std::int64_t n;
-            if (v.IsNumber() && WholeNumber(doc.NumberText(v), n) && n >= INT32_MIN && n <= INT32_MAX) {
+            if (v.IsNumber() && WholeNumber(doc.NumberText(v), n) && n >= INT32_MIN &&
+                n <= INT32_MAX) {
                 out = variant(type, static_cast<std::int32_t>(n));
                 return true;
             }
@@ -122,11 +124,13 @@ bool ReadValue(const Document& doc, const Value& v, std::uint32_t type, variant&
         }
         case kTsTypeDouble: {
             double d;
-            if (ReadDoubleValue(doc, v, d) || (type == kTsTypeDateTime && v.IsString() && ParseDate(doc.String(v), d))) {
+            if (ReadDoubleValue(doc, v, d) ||
+                (type == kTsTypeDateTime && v.IsString() && ParseDate(doc.String(v), d))) {
                 out = variant(type, d);
                 return true;
             }
-            problem = type == kTsTypeDateTime ? u"expected a date as \"YYYY-MM-DD\", \"YYYY-MM-DDTHH:MM:SS\" or a number of days"
+            problem = type == kTsTypeDateTime ? u"expected a date as \"YYYY-MM-DD\", "
+                                                u"\"YYYY-MM-DDTHH:MM:SS\" or a number of days"
                                               : u"expected a number";
             return false;
         }
@@ -159,7 +163,8 @@ bool ReadValue(const Document& doc, const Value& v, std::uint32_t type, variant&
                 out = variant(type, TsColour{f[0], f[1], f[2], f[3]});
                 return true;
             }
-            problem = u"expected a colour as an array of three or four numbers (red, green, blue, alpha)";
+            problem =
+                u"expected a colour as an array of three or four numbers (red, green, blue, alpha)";
             return false;
         }
         case kTsTypeBlob: {
@@ -180,12 +185,24 @@ bool ReadValue(const Document& doc, const Value& v, std::uint32_t type, variant&
 void WriteValue(Writer& w, const variant& value) {
     std::uint32_t type = value.type();
     switch (TsAccessorGroup(type)) {
-        case kTsTypeInt: w.Int(value.GetInt()); break;
-        case kTsTypeUInt: w.UInt(value.GetUInt()); break;
-        case kTsTypeFloat: w.Float(value.GetFloat()); break;
-        case kTsTypeDouble: w.Double(value.GetDouble()); break;
-        case kTsTypeString: w.String(value.GetString()); break;
-        case kTsTypeBool: w.Bool(value.GetBool()); break;
+        case kTsTypeInt:
+            w.Int(value.GetInt());
+            break;
+        case kTsTypeUInt:
+            w.UInt(value.GetUInt());
+            break;
+        case kTsTypeFloat:
+            w.Float(value.GetFloat());
+            break;
+        case kTsTypeDouble:
+            w.Double(value.GetDouble());
+            break;
+        case kTsTypeString:
+            w.String(value.GetString());
+            break;
+        case kTsTypeBool:
+            w.Bool(value.GetBool());
+            break;
         case kTsTypeVector: {
             TsVector3 v = value.GetVector();
             w.BeginArray(true);
@@ -205,8 +222,12 @@ void WriteValue(Writer& w, const variant& value) {
             w.EndArray();
             break;
         }
-        case kTsTypeBlob: w.String(Base64Encode(value.GetBlob())); break;
-        default: w.Null(); break;
+        case kTsTypeBlob:
+            w.String(Base64Encode(value.GetBlob()));
+            break;
+        default:
+            w.Null();
+            break;
     }
 }
 
@@ -221,18 +242,21 @@ bool ParseDate(std::u16string_view text, double& days) {
         return true;
     };
     unsigned y, m, d, hh = 0, mm = 0, ss = 0;
-    if (!number(0, 4, y) || text[4] != u'-' || !number(5, 2, m) || text[7] != u'-' || !number(8, 2, d)) return false;
+    if (!number(0, 4, y) || text[4] != u'-' || !number(5, 2, m) || text[7] != u'-' ||
+        !number(8, 2, d))
+        return false;
     if (y < 1 || m < 1 || m > 12 || d < 1) return false;
     static constexpr unsigned kMonthDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     bool leap = (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
     if (d > kMonthDays[m - 1] + (m == 2 && leap ? 1 : 0)) return false;
     if (text.size() == 19) {
-        if (text[10] != u'T' || !number(11, 2, hh) || text[13] != u':' || !number(14, 2, mm) || text[16] != u':' ||
-            !number(17, 2, ss))
+        if (text[10] != u'T' || !number(11, 2, hh) || text[13] != u':' || !number(14, 2, mm) ||
+            text[16] != u':' || !number(17, 2, ss))
             return false;
         if (hh > 23 || mm > 59 || ss > 59) return false;
     }
-    days = static_cast<double>(DaysFromCivil(y, m, d) - kEpoch) + (hh * 3600.0 + mm * 60.0 + ss) / 86400.0;
+    days = static_cast<double>(DaysFromCivil(y, m, d) - kEpoch) +
+           (hh * 3600.0 + mm * 60.0 + ss) / 86400.0;
     return true;
 }
 
@@ -249,12 +273,14 @@ std::u16string FormatDate(double days) {
     if (seconds == 0 && whole == days)
         std::snprintf(buf, sizeof buf, "%04d-%02u-%02u", static_cast<int>(y), m, d);
     else
-        std::snprintf(buf, sizeof buf, "%04d-%02u-%02uT%02lld:%02lld:%02lld", static_cast<int>(y), m, d, seconds / 3600,
-                      seconds / 60 % 60, seconds % 60);
+        std::snprintf(buf, sizeof buf, "%04d-%02u-%02uT%02lld:%02lld:%02lld", static_cast<int>(y),
+                      m, d, seconds / 3600, seconds / 60 % 60, seconds % 60);
     std::u16string text = Utf8ToUtf16(buf);
     // Only a text that reads back to the very same bits stands for the value.
     double back;
-    if (!ParseDate(text, back) || std::bit_cast<std::uint64_t>(back) != std::bit_cast<std::uint64_t>(days)) return {};
+    if (!ParseDate(text, back) ||
+        std::bit_cast<std::uint64_t>(back) != std::bit_cast<std::uint64_t>(days))
+        return {};
     return text;
 }
 
@@ -285,10 +311,12 @@ bool Base64Decode(std::u16string_view text, std::vector<std::uint8_t>& bytes) {
         int padding = 0;
         for (std::size_t k = 0; k < 4; ++k) {
             char16_t c = text[i + k];
-            int v = c >= u'A' && c <= u'Z' ? c - u'A'
+            int v = c >= u'A' && c <= u'Z'   ? c - u'A'
                     : c >= u'a' && c <= u'z' ? c - u'a' + 26
                     : c >= u'0' && c <= u'9' ? c - u'0' + 52
-                    : c == u'+' ? 62 : c == u'/' ? 63 : -1;
+                    : c == u'+'              ? 62
+                    : c == u'/'              ? 63
+                                             : -1;
             if (c == u'=' && i + 4 == text.size() && k >= 2) {
                 ++padding;
                 v = 0;

@@ -18,7 +18,8 @@ bool TypeCodeFromName(std::u16string_view text, std::uint32_t& code);
 const char16_t* TypeCodeName(std::uint32_t code);
 
 // Converts `v` to a value of type `type`; on failure `problem` says what was expected.
-bool ReadValue(const Document& doc, const Value& v, std::uint32_t type, variant& out, std::u16string& problem);
+bool ReadValue(const Document& doc, const Value& v, std::uint32_t type, variant& out,
+               std::u16string& problem);
 void WriteValue(Writer& w, const variant& value);
 
 // Dates are day counts from 30 December 1899 (the spreadsheet epoch); these convert the day count

@@ -64,14 +64,29 @@ void Writer::Quoted(std::u16string_view text) {
         char16_t c = text[i];
         const char* escape = nullptr;
         switch (c) {
-            case u'"': escape = "\\\""; break;
-            case u'\\': escape = "\\\\"; break;
-            case u'\n': escape = "\\n"; break;
-            case u'\r': escape = "\\r"; break;
-            case u'\t': escape = "\\t"; break;
-            case u'\b': escape = "\\b"; break;
-            case u'\f': escape = "\\f"; break;
-            default: break;
+            case u'"':
+                escape = "\\\"";
+                break;
+            case u'\\':
+                escape = "\\\\";
+                break;
+            case u'\n':
+                escape = "\\n";
+                break;
+            case u'\r':
+                escape = "\\r";
+                break;
+            case u'\t':
+                escape = "\\t";
+                break;
+            case u'\b':
+                escape = "\\b";
+                break;
+            case u'\f':
+                escape = "\\f";
+                break;
+            default:
+                break;
         }
         bool high = c >= 0xD800 && c <= 0xDBFF, low = c >= 0xDC00 && c <= 0xDFFF;
         if (high && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
@@ -156,10 +171,14 @@ bool ReadReal(std::string_view text, T& out) {
 
 template <class T, class Bits>
 bool ReadSpecial(std::u16string_view text, T& out) {
-    if (text == u"NaN") out = std::numeric_limits<T>::quiet_NaN();
-    else if (text == u"Infinity") out = std::numeric_limits<T>::infinity();
-    else if (text == u"-Infinity") out = -std::numeric_limits<T>::infinity();
-    else if (text.starts_with(u"NaN:0x") && text.size() > 6 && text.size() <= 6 + 2 * sizeof(Bits)) {
+    if (text == u"NaN")
+        out = std::numeric_limits<T>::quiet_NaN();
+    else if (text == u"Infinity")
+        out = std::numeric_limits<T>::infinity();
+    else if (text == u"-Infinity")
+        out = -std::numeric_limits<T>::infinity();
+    else if (text.starts_with(u"NaN:0x") && text.size() > 6 &&
+             text.size() <= 6 + 2 * sizeof(Bits)) {
         Bits bits = 0;
         for (char16_t c : text.substr(6)) {
             int d = c >= u'0' && c <= u'9' ? c - u'0' : c >= u'a' && c <= u'f' ? c - u'a' + 10 : -1;
@@ -177,9 +196,17 @@ bool ReadSpecial(std::u16string_view text, T& out) {
 
 }  // namespace
 
-bool ReadFloat(std::string_view number, float& out) { return ReadReal(number, out); }
-bool ReadDouble(std::string_view number, double& out) { return ReadReal(number, out); }
-bool ReadSpecialFloat(std::u16string_view text, float& out) { return ReadSpecial<float, std::uint32_t>(text, out); }
-bool ReadSpecialDouble(std::u16string_view text, double& out) { return ReadSpecial<double, std::uint64_t>(text, out); }
+bool ReadFloat(std::string_view number, float& out) {
+    return ReadReal(number, out);
+}
+bool ReadDouble(std::string_view number, double& out) {
+    return ReadReal(number, out);
+}
+bool ReadSpecialFloat(std::u16string_view text, float& out) {
+    return ReadSpecial<float, std::uint32_t>(text, out);
+}
+bool ReadSpecialDouble(std::u16string_view text, double& out) {
+    return ReadSpecial<double, std::uint64_t>(text, out);
+}
 
 }  // namespace ts::json

@@ -13,7 +13,8 @@ namespace ts {
 
 namespace {
 
-constexpr const char16_t* kAttributeKeys[] = {u"display", u"category", u"subCategory", u"description", u"editor"};
+constexpr const char16_t* kAttributeKeys[] = {u"display", u"category", u"subCategory",
+                                              u"description", u"editor"};
 
 std::u16string Attribute(ITsProperty* node, std::uint32_t which) {
     CTsHostString text;
@@ -23,11 +24,14 @@ std::u16string Attribute(ITsProperty* node, std::uint32_t which) {
 
 // Same name, type, flags and declaration attributes.
 bool SameShape(ITsProperty* a, ITsProperty* b) {
-    if (a->GetNameAtom() != b->GetNameAtom() || a->GetType() != b->GetType() || a->GetFlags() != b->GetFlags())
+    if (a->GetNameAtom() != b->GetNameAtom() || a->GetType() != b->GetType() ||
+        a->GetFlags() != b->GetFlags())
         return false;
     PropertyNode* na = PropertyNode::FromInterface(a);
     PropertyNode* nb = PropertyNode::FromInterface(b);
-    if (na && nb) return na->AttributesHandle() == nb->AttributesHandle();  // interned: equal sets, equal handles
+    if (na && nb)
+        return na->AttributesHandle() ==
+               nb->AttributesHandle();  // interned: equal sets, equal handles
     for (std::uint32_t i = 0; i < kTsPropertyAttributeCount; ++i)
         if (Attribute(a, i) != Attribute(b, i)) return false;
     return true;
@@ -48,7 +52,8 @@ variant ValueOf(ITsProperty* node) {
 
 class JsonTreeWriter {
 public:
-    JsonTreeWriter(std::string& out, const ResourceSchemaLookup* schemas) : w_(out), schemas_(schemas) {}
+    JsonTreeWriter(std::string& out, const ResourceSchemaLookup* schemas)
+        : w_(out), schemas_(schemas) {}
 
     bool Write(const ResourceDocument& doc, std::u16string* error) {
         if (!doc.root) return Fail(error, u"There is no tree to write");
@@ -79,7 +84,9 @@ private:
     bool Deep(std::uint32_t depth) {
         if (depth < kResourceMaxDepth) return false;
         if (problem_.empty())
-            problem_ = Format(u"The tree is nested deeper than %u levels (does a node contain itself?)", kResourceMaxDepth);
+            problem_ =
+                Format(u"The tree is nested deeper than %u levels (does a node contain itself?)",
+                       kResourceMaxDepth);
         return true;
     }
 
@@ -117,7 +124,8 @@ private:
     // True when the record is laid out as a new one of its kind: same shape, same fields in the
     // same order with the same declarations. Values and list contents may differ.
     bool Conforms(ITsProperty* node, const RecordSchema& schema, CTsComPtr<ITsProperty>& fresh) {
-        if (!schema.create || !schema.create(fresh) || !fresh || !SameShape(node, fresh.Get())) return false;
+        if (!schema.create || !schema.create(fresh) || !fresh || !SameShape(node, fresh.Get()))
+            return false;
         auto a = Children(node), d = Children(fresh.Get());
         if (node->GetType() != kTsTypeList || a.size() != d.size()) return false;
         for (std::size_t i = 0; i < a.size(); ++i)
@@ -145,7 +153,8 @@ private:
     static const RecordSchema* KindOf(ITsProperty* item, const RecordSchema& schema) {
         if (!schema.IsFamily()) return &schema;
         CTsComPtr<ITsProperty> field;
-        if (FAILED(item->FindChild(TsFindAtom(schema.kindField), 0, field.Put())) || field->GetType() != kTsTypeInt)
+        if (FAILED(item->FindChild(TsFindAtom(schema.kindField), 0, field.Put())) ||
+            field->GetType() != kTsTypeInt)
             return nullptr;
         auto it = schema.kinds.find(ValueOf(field.Get()).GetInt());
         return it == schema.kinds.end() ? nullptr : it->second;
@@ -153,8 +162,9 @@ private:
 
     // Writes the fields of `node` that differ from those of `fresh`, a new record of its kind;
     // `kindField`, when given, is written first whatever its value.
-    void Record(ITsProperty* node, ITsProperty* fresh, const RecordSchema& schema, const std::u16string* resourceName,
-                std::u16string_view kindField, std::uint32_t depth) {
+    void Record(ITsProperty* node, ITsProperty* fresh, const RecordSchema& schema,
+                const std::u16string* resourceName, std::u16string_view kindField,
+                std::uint32_t depth) {
         if (Deep(depth)) return;
         auto a = Children(node), d = Children(fresh);
         std::vector<std::size_t> written;
@@ -165,8 +175,8 @@ private:
                 written.insert(written.begin(), i);
                 continue;
             }
-            bool always = std::find(schema.alwaysWritten.begin(), schema.alwaysWritten.end(), name) !=
-                          schema.alwaysWritten.end();
+            bool always = std::find(schema.alwaysWritten.begin(), schema.alwaysWritten.end(),
+                                    name) != schema.alwaysWritten.end();
             if (a[i]->GetType() == kTsTypeList) {
                 if (PropertyTreesEqual(a[i], d[i])) continue;
                 inlineLayout = false;
@@ -174,7 +184,8 @@ private:
                 variant value = ValueOf(a[i]);
                 if (value == ValueOf(d[i]) && !always) continue;
                 if (resourceName && TsAccessorGroup(value.type()) == kTsTypeString &&
-                    TsGetAtomName(a[i]->GetNameAtom()) == schema.nameField && value.GetString() == *resourceName)
+                    TsGetAtomName(a[i]->GetNameAtom()) == schema.nameField &&
+                    value.GetString() == *resourceName)
                     continue;  // filled from the resource's name when read back
                 inlineLayout = inlineLayout && ShortText(value);
             }
@@ -215,8 +226,8 @@ bool WriteResourceJson(const ResourceDocument& resource, std::string& utf8, std:
     return JsonTreeWriter(utf8, nullptr).Write(resource, error);
 }
 
-bool WriteResourceJsonShort(const ResourceDocument& resource, const ResourceSchemaLookup& schemas, std::string& utf8,
-                            std::u16string* error) {
+bool WriteResourceJsonShort(const ResourceDocument& resource, const ResourceSchemaLookup& schemas,
+                            std::string& utf8, std::u16string* error) {
     utf8.clear();
     return JsonTreeWriter(utf8, &schemas).Write(resource, error);
 }

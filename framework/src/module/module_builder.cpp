@@ -31,8 +31,10 @@ std::vector<fs::path> FilesIn(const fs::path& folder, std::string_view extension
     std::vector<fs::path> files;
     std::error_code ec;
     for (const auto& entry : fs::directory_iterator(folder, ec))
-        if (entry.is_regular_file() && entry.path().extension() == extension) files.push_back(entry.path());
-    std::sort(files.begin(), files.end());  // a stable order, so that messages and modules don't vary
+        if (entry.is_regular_file() && entry.path().extension() == extension)
+            files.push_back(entry.path());
+    std::sort(files.begin(),
+              files.end());  // a stable order, so that messages and modules don't vary
     return files;
 }
 
@@ -44,9 +46,13 @@ std::u16string Shown(const fs::path& path, const fs::path& root) {
 
 class Builder {
 public:
-    Builder(const fs::path& sources, ResourceStore& store, const ModuleBuildOptions& options, ModuleBuildSummary& summary,
-            std::vector<std::u16string>& problems)
-        : sources_(sources), store_(store), options_(options), summary_(summary), problems_(problems) {}
+    Builder(const fs::path& sources, ResourceStore& store, const ModuleBuildOptions& options,
+            ModuleBuildSummary& summary, std::vector<std::u16string>& problems)
+        : sources_(sources),
+          store_(store),
+          options_(options),
+          summary_(summary),
+          problems_(problems) {}
 
     void Build() {
         ModuleProperties();
@@ -58,7 +64,9 @@ public:
     }
 
 private:
-    void Problem(const fs::path& file, const std::u16string& what) { problems_.push_back(Shown(file, sources_) + u": " + what); }
+    void Problem(const fs::path& file, const std::u16string& what) {
+        problems_.push_back(Shown(file, sources_) + u": " + what);
+    }
     void Problem(const std::u16string& what) { problems_.push_back(what); }
 
     void ModuleProperties() {
@@ -75,20 +83,28 @@ private:
             if (!ReadFile(file, text)) return Problem(file, u"the file cannot be read");
             if (!doc.Parse(text, &error)) return Problem(file, error);
             const json::Value& root = doc.Root();
-            if (!root.IsObject()) return Problem(file, u"expected an object with \"name\", \"moduleId\" and \"description\"");
+            if (!root.IsObject())
+                return Problem(
+                    file, u"expected an object with \"name\", \"moduleId\" and \"description\"");
             for (std::uint32_t i = 0; i < doc.MemberCount(root); ++i) {
                 auto m = doc.MemberAt(root, i);
                 variant v;
                 std::u16string problem;
                 std::uint32_t type = m.key == u"moduleId" ? kTsTypeInt : kTsTypeString;
                 if (m.key != u"name" && m.key != u"moduleId" && m.key != u"description")
-                    return Problem(file, Format(u"%ls: unknown key \"%ls\" (expected name, moduleId, description)",
-                                                doc.Where(*m.value), m.key));
+                    return Problem(
+                        file,
+                        Format(u"%ls: unknown key \"%ls\" (expected name, moduleId, description)",
+                               doc.Where(*m.value), m.key));
                 if (!json::ReadValue(doc, *m.value, type, v, problem))
-                    return Problem(file, Format(u"%ls: \"%ls\": %ls", doc.Where(*m.value), m.key, problem));
-                if (m.key == u"name") info.name = v.GetString();
-                else if (m.key == u"moduleId") info.moduleId = v.GetInt();
-                else info.description = v.GetString();
+                    return Problem(
+                        file, Format(u"%ls: \"%ls\": %ls", doc.Where(*m.value), m.key, problem));
+                if (m.key == u"name")
+                    info.name = v.GetString();
+                else if (m.key == u"moduleId")
+                    info.moduleId = v.GetInt();
+                else
+                    info.description = v.GetString();
             }
         }
         if (auto r = store_.SetModuleInfo(info); !r) Problem(r.message);
@@ -107,8 +123,10 @@ private:
                 Problem(file, error);
                 continue;
             }
-            if (auto r = store_.ImportTable(table); !r) Problem(file, r.message);
-            else ++summary_.tables;
+            if (auto r = store_.ImportTable(table); !r)
+                Problem(file, r.message);
+            else
+                ++summary_.tables;
         }
     }
 
@@ -116,10 +134,13 @@ private:
         for (const fs::path& file : FilesIn(sources_ / "resources", ".json")) {
             // "tavern.dlg.json": the resource "tavern" of type "dlg".
             fs::path stem = file.stem();
-            ResourceDocument doc{Utf8ToUtf16(stem.stem().string()), Utf8ToUtf16(stem.extension().string()), {}};
+            ResourceDocument doc{
+                Utf8ToUtf16(stem.stem().string()), Utf8ToUtf16(stem.extension().string()), {}};
             if (!doc.type.empty()) doc.type.erase(0, 1);
             if (doc.type.empty()) {
-                Problem(file, u"the file name does not give the resource type (name it NAME.TYPE.json, as tavern.dlg.json)");
+                Problem(file,
+                        u"the file name does not give the resource type (name it NAME.TYPE.json, "
+                        u"as tavern.dlg.json)");
                 continue;
             }
             std::string text;
@@ -148,18 +169,21 @@ private:
 
     // Records that carry a StringID and a Text (the lines of conversations) keep their text in the
     // module's string table too.
-    void CollectLineStrings(ITsProperty* node, const fs::path& file, const std::u16string& resource) {
+    void CollectLineStrings(ITsProperty* node, const fs::path& file,
+                            const std::u16string& resource) {
         static const TsAtom kStringId = TsAddAtom(u"StringID");
         static const TsAtom kText = TsAddAtom(u"Text");
         static const TsAtom kLanguage = TsAddAtom(u"LanguageID");
         if (node->GetType() != kTsTypeList) return;
         CTsComPtr<ITsProperty> id, text, language;
         if (SUCCEEDED(node->FindChild(kStringId, 0, id.Put())) && id->GetType() == kTsTypeInt &&
-            SUCCEEDED(node->FindChild(kText, 0, text.Put())) && TsAccessorGroup(text->GetType()) == kTsTypeString) {
+            SUCCEEDED(node->FindChild(kText, 0, text.Put())) &&
+            TsAccessorGroup(text->GetType()) == kTsTypeString) {
             variant idValue, textValue, languageValue(kTsTypeInt, 0);
             id->GetValue(&idValue);
             text->GetValue(&textValue);
-            if (SUCCEEDED(node->FindChild(kLanguage, 0, language.Put())) && language->GetType() == kTsTypeInt)
+            if (SUCCEEDED(node->FindChild(kLanguage, 0, language.Put())) &&
+                language->GetType() == kTsTypeInt)
                 language->GetValue(&languageValue);
             if (idValue.GetInt() >= 0)
                 AddString(idValue.GetInt(), languageValue.GetInt(), textValue.GetString(),
@@ -171,17 +195,18 @@ private:
         for (std::uint32_t i = 0; i < count; ++i) CollectLineStrings(children[i], file, resource);
     }
 
-    void AddString(std::int32_t id, std::int32_t language, const std::u16string& text, const std::u16string& where,
-                   const fs::path& file) {
+    void AddString(std::int32_t id, std::int32_t language, const std::u16string& text,
+                   const std::u16string& where, const fs::path& file) {
         auto [it, added] = strings_.try_emplace({id, language}, text, where);
         if (!added && it->second.first != text)
-            Problem(file, Format(u"the string id %d (language %d) has two different texts: \"%ls\" here and \"%ls\" in %ls",
+            Problem(file, Format(u"the string id %d (language %d) has two different texts: \"%ls\" "
+                                 u"here and \"%ls\" in %ls",
                                  id, language, text, it->second.first, it->second.second));
     }
 
     // A CSV file of the sources folder with the given columns, or null when it is absent or faulty.
-    bool ReadCsv(const std::u16string& name, std::initializer_list<const char16_t*> columns, GameTable& table,
-                 std::vector<std::size_t>& index) {
+    bool ReadCsv(const std::u16string& name, std::initializer_list<const char16_t*> columns,
+                 GameTable& table, std::vector<std::size_t>& index) {
         fs::path file = sources_ / Utf16ToUtf8(name);
         std::error_code ec;
         if (!fs::exists(file, ec)) return false;
@@ -217,7 +242,8 @@ private:
             for (std::size_t row = 0; row < table.RowCount(); ++row) {
                 std::int32_t id, language;
                 std::u16string text, error;
-                if (!table.GetInt(row, c[0], id, &error) || !table.GetInt(row, c[1], language, &error) ||
+                if (!table.GetInt(row, c[0], id, &error) ||
+                    !table.GetInt(row, c[1], language, &error) ||
                     !table.GetText(row, c[2], text, &error)) {
                     Problem(file, error);
                     continue;
@@ -230,8 +256,10 @@ private:
             }
         }
         for (const auto& [key, value] : strings_) {
-            if (auto r = store_.SetString(key.first, key.second, value.first); !r) Problem(r.message);
-            else ++summary_.strings;
+            if (auto r = store_.SetString(key.first, key.second, value.first); !r)
+                Problem(r.message);
+            else
+                ++summary_.strings;
         }
     }
 
@@ -239,32 +267,38 @@ private:
         GameTable table;
         std::vector<std::size_t> c;
         fs::path file = sources_ / Utf16ToUtf8(name);
-        std::initializer_list<const char16_t*> vo = {u"StringID", u"ModuleResRefVersionID", u"SentForRecordingOn",
-                                                     u"RequiresReRecording"};
-        std::initializer_list<const char16_t*> loc = {u"StringID", u"ModuleResRefVersionID", u"ExportedOn",
-                                                      u"RequiresReTranslation"};
+        std::initializer_list<const char16_t*> vo = {u"StringID", u"ModuleResRefVersionID",
+                                                     u"SentForRecordingOn", u"RequiresReRecording"};
+        std::initializer_list<const char16_t*> loc = {u"StringID", u"ModuleResRefVersionID",
+                                                      u"ExportedOn", u"RequiresReTranslation"};
         if (!ReadCsv(name, voice ? vo : loc, table, c)) return;
         for (std::size_t row = 0; row < table.RowCount(); ++row) {
             std::int32_t id = 0, version = 0;
             std::u16string date, flag, error;
             if (!table.GetInt(row, c[0], id, &error) || !table.GetInt(row, c[1], version, &error) ||
-                !table.GetText(row, c[2], date, &error) || !table.GetText(row, c[3], flag, &error)) {
+                !table.GetText(row, c[2], date, &error) ||
+                !table.GetText(row, c[3], flag, &error)) {
                 Problem(file, error);
                 continue;
             }
             double days = 0;
             if (!date.empty() && !json::ParseDate(date, days)) {
-                Problem(file, Format(u"row %d: \"%ls\" is not a date (YYYY-MM-DD)", table.RowId(row), date));
+                Problem(file, Format(u"row %d: \"%ls\" is not a date (YYYY-MM-DD)",
+                                     table.RowId(row), date));
                 continue;
             }
             if (flag != u"true" && flag != u"false") {
-                Problem(file, Format(u"row %d: \"%ls\" is neither true nor false", table.RowId(row), flag));
+                Problem(file, Format(u"row %d: \"%ls\" is neither true nor false", table.RowId(row),
+                                     flag));
                 continue;
             }
-            StoreResult r = voice ? store_.SetVORecordingStatus({id, version, days, flag == u"true"})
-                                  : store_.SetLocalizationStatus({id, version, days, flag == u"true"});
-            if (!r) Problem(file, Format(u"row %d: %ls", table.RowId(row), r.message));
-            else ++summary_.statusRecords;
+            StoreResult r =
+                voice ? store_.SetVORecordingStatus({id, version, days, flag == u"true"})
+                      : store_.SetLocalizationStatus({id, version, days, flag == u"true"});
+            if (!r)
+                Problem(file, Format(u"row %d: %ls", table.RowId(row), r.message));
+            else
+                ++summary_.statusRecords;
         }
     }
 
@@ -273,7 +307,8 @@ private:
     const ModuleBuildOptions& options_;
     ModuleBuildSummary& summary_;
     std::vector<std::u16string>& problems_;
-    std::map<std::pair<std::int32_t, std::int32_t>, std::pair<std::u16string, std::u16string>> strings_;
+    std::map<std::pair<std::int32_t, std::int32_t>, std::pair<std::u16string, std::u16string>>
+        strings_;
 };
 
 void RemoveModuleFiles(const std::string& path) {
@@ -283,8 +318,9 @@ void RemoveModuleFiles(const std::string& path) {
 
 }  // namespace
 
-bool BuildModule(const std::string& sourcesFolder, const std::string& modulePath, const ModuleBuildOptions& options,
-                 ModuleBuildSummary& summary, std::vector<std::u16string>& problems) {
+bool BuildModule(const std::string& sourcesFolder, const std::string& modulePath,
+                 const ModuleBuildOptions& options, ModuleBuildSummary& summary,
+                 std::vector<std::u16string>& problems) {
     summary = {};
     problems.clear();
     std::error_code ec;
@@ -323,7 +359,8 @@ bool BuildModule(const std::string& sourcesFolder, const std::string& modulePath
     for (const char* suffix : {"-wal", "-shm"}) fs::remove(modulePath + suffix, ec);
     fs::rename(partial, modulePath, ec);
     if (ec) {
-        problems.push_back(Format(u"The module could not be written to \"%s\": %s", modulePath, ec.message()));
+        problems.push_back(
+            Format(u"The module could not be written to \"%s\": %s", modulePath, ec.message()));
         RemoveModuleFiles(partial);
         return false;
     }

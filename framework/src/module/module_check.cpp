@@ -49,8 +49,10 @@ ModuleCheck CheckModule(ResourceStore& store) {
     if (auto r = store.ListTables(tables); !r) check.tableProblems.push_back(r.message);
     for (const auto& name : tables) {
         GameTable table;
-        if (auto r = store.ReadTable(name, table); !r) check.tableProblems.push_back(r.message);
-        else ++check.tables;
+        if (auto r = store.ReadTable(name, table); !r)
+            check.tableProblems.push_back(r.message);
+        else
+            ++check.tables;
     }
     return check;
 }

@@ -3,8 +3,12 @@
 namespace ts {
 
 namespace {
-bool IsHigh(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool IsLow(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
+bool IsHigh(char16_t c) {
+    return c >= 0xD800 && c <= 0xDBFF;
+}
+bool IsLow(char16_t c) {
+    return c >= 0xDC00 && c <= 0xDFFF;
+}
 }  // namespace
 
 void ByteWriter::Text(std::u16string_view text) {
@@ -62,10 +66,14 @@ bool ByteReader::Text(char16_t* out, std::uint32_t units) {
         }
         int extra;
         char32_t c, least;
-        if (b >= 0xC2 && b <= 0xDF) extra = 1, c = b & 0x1F, least = 0x80;
-        else if (b >= 0xE0 && b <= 0xEF) extra = 2, c = b & 0x0F, least = 0x800;
-        else if (b >= 0xF0 && b <= 0xF4) extra = 3, c = b & 0x07, least = 0x10000;
-        else return false;
+        if (b >= 0xC2 && b <= 0xDF)
+            extra = 1, c = b & 0x1F, least = 0x80;
+        else if (b >= 0xE0 && b <= 0xEF)
+            extra = 2, c = b & 0x0F, least = 0x800;
+        else if (b >= 0xF0 && b <= 0xF4)
+            extra = 3, c = b & 0x07, least = 0x10000;
+        else
+            return false;
         for (int k = 0; k < extra; ++k) {
             std::uint8_t t;
             if (!Byte(t) || (t & 0xC0) != 0x80) return false;

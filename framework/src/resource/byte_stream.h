@@ -47,7 +47,8 @@ private:
 // leaves the reader failed so that callers can check once per record.
 class ByteReader {
 public:
-    ByteReader(const std::uint8_t* data, std::size_t size) : p_(data), begin_(data), end_(data + size) {}
+    ByteReader(const std::uint8_t* data, std::size_t size)
+        : p_(data), begin_(data), end_(data + size) {}
 
     bool Byte(std::uint8_t& b) {
         if (p_ == end_) return false;

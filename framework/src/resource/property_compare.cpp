@@ -15,27 +15,30 @@ std::u16string Attribute(ITsProperty* node, std::uint32_t which) {
     return std::u16string(text.View());
 }
 
-constexpr const char16_t* kAttributeNames[] = {u"display name", u"category", u"sub-category", u"description",
-                                               u"editor kind"};
+constexpr const char16_t* kAttributeNames[] = {u"display name", u"category", u"sub-category",
+                                               u"description", u"editor kind"};
 
 class Comparer {
 public:
     explicit Comparer(std::u16string* difference) : difference_(difference) {}
 
-    bool Equal(ITsProperty* a, ITsProperty* b, const std::u16string& path, const std::u16string& position) {
+    bool Equal(ITsProperty* a, ITsProperty* b, const std::u16string& path,
+               const std::u16string& position) {
         if (!a || !b) return a == b || Differ(path, u"one side has no node");
         std::u16string here = path + TsGetAtomName(a->GetNameAtom()) + position;
         if (a->GetNameAtom() != b->GetNameAtom())
-            return Differ(here, Format(u"the names differ (%ls, %ls)", TsGetAtomName(a->GetNameAtom()),
-                                       TsGetAtomName(b->GetNameAtom())));
+            return Differ(here,
+                          Format(u"the names differ (%ls, %ls)", TsGetAtomName(a->GetNameAtom()),
+                                 TsGetAtomName(b->GetNameAtom())));
         if (a->GetType() != b->GetType())
-            return Differ(here, Format(u"the type codes differ (%u, %u)", a->GetType(), b->GetType()));
+            return Differ(here,
+                          Format(u"the type codes differ (%u, %u)", a->GetType(), b->GetType()));
         if (a->GetFlags() != b->GetFlags())
             return Differ(here, Format(u"the flags differ (%u, %u)", a->GetFlags(), b->GetFlags()));
         for (std::uint32_t i = 0; i < kTsPropertyAttributeCount; ++i)
             if (Attribute(a, i) != Attribute(b, i))
-                return Differ(here, Format(u"the %ls differs (\"%ls\", \"%ls\")", kAttributeNames[i], Attribute(a, i),
-                                           Attribute(b, i)));
+                return Differ(here, Format(u"the %ls differs (\"%ls\", \"%ls\")",
+                                           kAttributeNames[i], Attribute(a, i), Attribute(b, i)));
         if (a->GetType() != kTsTypeList) {
             variant va, vb;
             a->GetValue(&va);
@@ -54,7 +57,8 @@ public:
         for (std::uint32_t i = 0; i < na; ++i) {
             TsAtom name = ca[i]->GetNameAtom();
             std::uint32_t ordinal = seen[name]++;
-            if (!Equal(ca[i], cb[i], here + u"/", total[name] > 1 ? Format(u"[%u]", ordinal) : std::u16string()))
+            if (!Equal(ca[i], cb[i], here + u"/",
+                       total[name] > 1 ? Format(u"[%u]", ordinal) : std::u16string()))
                 return false;
         }
         return true;

@@ -21,7 +21,8 @@ struct Shape {
 
 class Decoder {
 public:
-    Decoder(std::span<const std::uint8_t> bytes, std::u16string* error) : bytes_(bytes), error_(error) {}
+    Decoder(std::span<const std::uint8_t> bytes, std::u16string* error)
+        : bytes_(bytes), error_(error) {}
 
     bool Decode(CTsComPtr<ITsProperty>& root, const ResourceDecodeOptions& options) {
         if (!Header(options)) return false;
@@ -31,10 +32,12 @@ public:
         if (!Node(in, node, 0)) return false;
         root = CTsComPtr<ITsProperty>::Adopt(node);
         if (in.Remaining() != 0)
-            return Damaged(in, Format(u"%u bytes follow the last node", static_cast<std::uint32_t>(in.Remaining())));
+            return Damaged(in, Format(u"%u bytes follow the last node",
+                                      static_cast<std::uint32_t>(in.Remaining())));
         if (nodes_ != expectedNodes_)
-            return Fail(Format(u"The resource is damaged: the header counts %u nodes but %u were read",
-                               expectedNodes_, nodes_));
+            return Fail(
+                Format(u"The resource is damaged: the header counts %u nodes but %u were read",
+                       expectedNodes_, nodes_));
         return true;
     }
 
@@ -68,11 +71,14 @@ private:
                                static_cast<unsigned long>(bytes_.size())));
         }
         const std::uint8_t* h = bytes_.data();
-        if (std::memcmp(h, kResourceMagic, 4) != 0) return Fail(u"This is not a resource: the header mark is wrong");
+        if (std::memcmp(h, kResourceMagic, 4) != 0)
+            return Fail(u"This is not a resource: the header mark is wrong");
         std::uint16_t version = Get16(h + 4);
         if (version > kResourceFormatVersion)
-            return Fail(Format(u"The resource was written by a newer toolset (format version %u; this one "
-                               u"reads up to %u)", version, kResourceFormatVersion));
+            return Fail(
+                Format(u"The resource was written by a newer toolset (format version %u; this one "
+                       u"reads up to %u)",
+                       version, kResourceFormatVersion));
         if (version == 0) return Fail(u"The resource is damaged: format version 0");
         std::uint32_t payload = Get32(h + 8);
         std::size_t actual = bytes_.size() - kResourceHeaderSize;
@@ -86,63 +92,78 @@ private:
         if (options.verifyChecksum) {
             std::uint32_t crc = Crc32({h, 16});
             crc = Crc32(bytes_.subspan(kResourceHeaderSize), crc);
-            if (crc != Get32(h + 16)) return Fail(u"The resource is damaged: its checksum does not match its content");
+            if (crc != Get32(h + 16))
+                return Fail(u"The resource is damaged: its checksum does not match its content");
         }
-        if (Get16(h + 6) != 0) return Fail(u"The resource is damaged: reserved header bits are set");
+        if (Get16(h + 6) != 0)
+            return Fail(u"The resource is damaged: reserved header bits are set");
         expectedNodes_ = Get32(h + 12);
         // Every node takes at least one byte, so a larger count can only be damage.
         if (expectedNodes_ == 0 || expectedNodes_ > payload)
-            return Fail(Format(u"The resource is damaged: the header counts %u nodes", expectedNodes_));
+            return Fail(
+                Format(u"The resource is damaged: the header counts %u nodes", expectedNodes_));
         return true;
     }
 
     bool Tables(ByteReader& in) {
         std::uint32_t count;
-        if (!in.Varint(count) || count > in.Remaining()) return Damaged(in, u"the name table is cut short");
+        if (!in.Varint(count) || count > in.Remaining())
+            return Damaged(in, u"the name table is cut short");
         atoms_.reserve(count);
         std::u16string text;
         for (std::uint32_t i = 0; i < count; ++i) {
             if (!in.Text(text)) return Damaged(in, u"a name is cut short or not valid text");
-            if (text.empty() || text.size() > kTsMaxAtomName) return Damaged(in, Format(u"name %u is empty or too long", i));
+            if (text.empty() || text.size() > kTsMaxAtomName)
+                return Damaged(in, Format(u"name %u is empty or too long", i));
             TsAtom atom = TsAddAtom(text);
             if (atom == 0) return Fail(u"The resource cannot be read: the table of names is full");
             atoms_.push_back(atom);
         }
 
-        if (!in.Varint(count) || count > in.Remaining()) return Damaged(in, u"the attribute table is cut short");
+        if (!in.Varint(count) || count > in.Remaining())
+            return Damaged(in, u"the attribute table is cut short");
         attributeSets_.reserve(count);
         std::u16string texts[kTsPropertyAttributeCount];
         for (std::uint32_t i = 0; i < count; ++i) {
             for (auto& t : texts)
                 if (!in.Text(t)) return Damaged(in, u"an attribute is cut short or not valid text");
-            attributeSets_.push_back(AttributeTable::Intern({texts[0], texts[1], texts[2], texts[3], texts[4]}));
+            attributeSets_.push_back(
+                AttributeTable::Intern({texts[0], texts[1], texts[2], texts[3], texts[4]}));
         }
 
-        if (!in.Varint(count) || count > in.Remaining()) return Damaged(in, u"the shape table is cut short");
+        if (!in.Varint(count) || count > in.Remaining())
+            return Damaged(in, u"the shape table is cut short");
         shapes_.reserve(count);
         for (std::uint32_t i = 0; i < count; ++i) {
             std::uint32_t name, flags, attributes;
             std::uint8_t type;
             if (!in.Varint(name) || !in.Byte(type) || !in.Varint(flags) || !in.Varint(attributes))
                 return Damaged(in, u"the shape table is cut short");
-            if (name >= atoms_.size()) return Damaged(in, Format(u"shape %u names name %u of %u", i, name,
-                                                                 static_cast<std::uint32_t>(atoms_.size())));
-            if (!TsIsKnownTypeCode(type)) return Damaged(in, Format(u"shape %u has the unknown type code %u", i, type));
-            if (attributes >= attributeSets_.size()) return Damaged(in, Format(u"shape %u has no attribute set", i));
-            shapes_.push_back({atoms_[name], type, static_cast<std::uint8_t>(TsAccessorGroup(type)), flags,
-                               attributeSets_[attributes]});
+            if (name >= atoms_.size())
+                return Damaged(in, Format(u"shape %u names name %u of %u", i, name,
+                                          static_cast<std::uint32_t>(atoms_.size())));
+            if (!TsIsKnownTypeCode(type))
+                return Damaged(in, Format(u"shape %u has the unknown type code %u", i, type));
+            if (attributes >= attributeSets_.size())
+                return Damaged(in, Format(u"shape %u has no attribute set", i));
+            shapes_.push_back({atoms_[name], type, static_cast<std::uint8_t>(TsAccessorGroup(type)),
+                               flags, attributeSets_[attributes]});
         }
         return true;
     }
 
     bool Node(ByteReader& in, PropertyNode*& out, std::uint32_t depth) {
-        if (depth >= kResourceMaxDepth) return Damaged(in, Format(u"nodes nest deeper than %u levels", kResourceMaxDepth));
-        if (++nodes_ > expectedNodes_) return Damaged(in, u"there are more nodes than the header counts");
+        if (depth >= kResourceMaxDepth)
+            return Damaged(in, Format(u"nodes nest deeper than %u levels", kResourceMaxDepth));
+        if (++nodes_ > expectedNodes_)
+            return Damaged(in, u"there are more nodes than the header counts");
         std::uint32_t index;
         if (!in.Varint(index)) return Damaged(in, u"a node is cut short");
-        if (index >= shapes_.size()) return Damaged(in, Format(u"a node has the unknown shape %u", index));
+        if (index >= shapes_.size())
+            return Damaged(in, Format(u"a node has the unknown shape %u", index));
         const Shape& s = shapes_[index];
-        PropertyNode* node = PropertyNode::CreateChecked(s.name, s.type, s.flags, s.attributes);  // checked in Tables()
+        PropertyNode* node = PropertyNode::CreateChecked(s.name, s.type, s.flags,
+                                                         s.attributes);  // checked in Tables()
         // The caller's reference; released below on failure, which frees any children read so far.
         node->AddRef();
         if (!Value(in, node, s, depth)) {
@@ -211,7 +232,8 @@ private:
                 if (size) in.Bytes(node->AllocateRawBytes(size), size);
                 return true;
             }
-            default: return Children(in, node, depth);
+            default:
+                return Children(in, node, depth);
         }
         return Damaged(in, u"a value is cut short");
     }
@@ -219,10 +241,11 @@ private:
     bool Children(ByteReader& in, PropertyNode* node, std::uint32_t depth) {
         std::uint32_t count;
         if (!in.Varint(count) || count > in.Remaining()) return Damaged(in, u"a list is cut short");
-        // Lists never hold more elements in all than the header counts nodes; checking the sum keeps
-        // damaged counts from reserving more memory than a whole valid tree would take.
+        // Lists never hold more elements in all than the header counts nodes; checking the sum
+        // keeps damaged counts from reserving more memory than a whole valid tree would take.
         reservedChildren_ += count;
-        if (reservedChildren_ >= expectedNodes_) return Damaged(in, u"the lists hold more nodes than the header counts");
+        if (reservedChildren_ >= expectedNodes_)
+            return Damaged(in, u"the lists hold more nodes than the header counts");
         node->ReserveChildren(count);
         for (std::uint32_t i = 0; i < count; ++i) {
             PropertyNode* child = nullptr;
@@ -245,8 +268,8 @@ private:
 
 }  // namespace
 
-bool DecodeResource(std::span<const std::uint8_t> bytes, CTsComPtr<ITsProperty>& root, std::u16string* error,
-                    const ResourceDecodeOptions& options) {
+bool DecodeResource(std::span<const std::uint8_t> bytes, CTsComPtr<ITsProperty>& root,
+                    std::u16string* error, const ResourceDecodeOptions& options) {
     root.Reset();
     CTsComPtr<ITsProperty> decoded;
     if (!Decoder(bytes, error).Decode(decoded, options)) return false;

@@ -47,7 +47,8 @@ public:
         }
         out.Bytes(body_.data(), body_.size());
 
-        if (bytes.size() - kResourceHeaderSize > 0xFFFFFFFFu) return Fail(u"The resource is larger than 4 GiB");
+        if (bytes.size() - kResourceHeaderSize > 0xFFFFFFFFu)
+            return Fail(u"The resource is larger than 4 GiB");
         std::uint8_t* h = bytes.data();
         std::memcpy(h, kResourceMagic, 4);
         Put16(h + 4, kResourceFormatVersion);
@@ -80,7 +81,8 @@ private:
     // last shape seen for each atom answers almost every lookup.
     std::uint32_t ShapeIndex(const Shape& s) {
         LastShape& last = lastShape_[s.name - kTsFirstAtom];
-        if (last.type == s.type && last.flags == s.flags && last.attributes == s.attributes) return last.index;
+        if (last.type == s.type && last.flags == s.flags && last.attributes == s.attributes)
+            return last.index;
         std::uint32_t index = FindShape(s);
         last = {s.type, s.flags, s.attributes, index};
         return index;
@@ -90,7 +92,8 @@ private:
         auto& candidates = shapesByAtom_[s.name - kTsFirstAtom];
         for (std::uint32_t index : candidates) {
             const Shape& c = shapes_[index];
-            if (c.type == s.type && c.flags == s.flags && c.attributes == s.attributes) return index;
+            if (c.type == s.type && c.flags == s.flags && c.attributes == s.attributes)
+                return index;
         }
         if (candidates.empty() && nameIndex_[s.name - kTsFirstAtom] == kNoIndex) {
             nameIndex_[s.name - kTsFirstAtom] = static_cast<std::uint32_t>(names_.size());
@@ -104,10 +107,12 @@ private:
 
     bool Node(ITsProperty* node, ByteWriter& out, std::uint32_t depth) {
         if (depth >= kResourceMaxDepth)
-            return Fail(Format(u"The tree is nested deeper than %u levels (does a node contain itself?)",
-                               kResourceMaxDepth));
+            return Fail(
+                Format(u"The tree is nested deeper than %u levels (does a node contain itself?)",
+                       kResourceMaxDepth));
         ++nodeCount_;
-        if (PropertyNode* ours = PropertyNode::FromInterface(node)) return OwnNode(ours, out, depth);
+        if (PropertyNode* ours = PropertyNode::FromInterface(node))
+            return OwnNode(ours, out, depth);
         return ForeignNode(node, out, depth);
     }
 
@@ -122,21 +127,38 @@ private:
         std::uint32_t type = node->GetType();
         out.Varint(ShapeIndex({atom, type, node->GetFlags(), node->AttributesHandle()}));
         switch (TsAccessorGroup(type)) {
-            case kTsTypeInt: out.ZigZag(node->RawInt()); return true;
-            case kTsTypeUInt: out.Varint(node->RawUInt()); return true;
-            case kTsTypeFloat: out.Raw(node->RawFloat()); return true;
-            case kTsTypeDouble: out.Raw(node->RawDouble()); return true;
-            case kTsTypeBool: out.Byte(node->RawBool() ? 1 : 0); return true;
-            case kTsTypeVector: out.Raw(node->RawVector()); return true;
-            case kTsTypeColour: out.Raw(node->RawColour()); return true;
-            case kTsTypeString: out.Text(node->RawText()); return true;
+            case kTsTypeInt:
+                out.ZigZag(node->RawInt());
+                return true;
+            case kTsTypeUInt:
+                out.Varint(node->RawUInt());
+                return true;
+            case kTsTypeFloat:
+                out.Raw(node->RawFloat());
+                return true;
+            case kTsTypeDouble:
+                out.Raw(node->RawDouble());
+                return true;
+            case kTsTypeBool:
+                out.Byte(node->RawBool() ? 1 : 0);
+                return true;
+            case kTsTypeVector:
+                out.Raw(node->RawVector());
+                return true;
+            case kTsTypeColour:
+                out.Raw(node->RawColour());
+                return true;
+            case kTsTypeString:
+                out.Text(node->RawText());
+                return true;
             case kTsTypeBlob: {
                 auto bytes = node->RawBytes();
                 out.Varint(static_cast<std::uint32_t>(bytes.size()));
                 out.Bytes(bytes.data(), bytes.size());
                 return true;
             }
-            default: break;
+            default:
+                break;
         }
         auto children = node->RawChildren();
         out.Varint(static_cast<std::uint32_t>(children.size()));
@@ -150,19 +172,22 @@ private:
         TsAtom atom = node->GetNameAtom();
         if (!CheckName(atom)) return false;
         std::uint32_t type = node->GetType();
-        if (!TsIsKnownTypeCode(type)) return Fail(Format(u"A node has the unknown type code %u", type));
+        if (!TsIsKnownTypeCode(type))
+            return Fail(Format(u"A node has the unknown type code %u", type));
         std::array<std::u16string, kTsPropertyAttributeCount> texts;
         for (std::uint32_t i = 0; i < kTsPropertyAttributeCount; ++i) {
             CTsHostString text;
             node->GetAttribute(static_cast<TsPropertyAttribute>(i), text.Put());
             texts[i] = std::u16string(text.View());
         }
-        std::uint32_t attributes = AttributeTable::Intern({texts[0], texts[1], texts[2], texts[3], texts[4]});
+        std::uint32_t attributes =
+            AttributeTable::Intern({texts[0], texts[1], texts[2], texts[3], texts[4]});
         out.Varint(ShapeIndex({atom, type, node->GetFlags(), attributes}));
         if (type == kTsTypeList) {
             ITsProperty* const* children = nullptr;
             std::uint32_t count = 0;
-            if (FAILED(node->GetChildArray(&children, &count))) return Fail(u"A list node hides its children");
+            if (FAILED(node->GetChildArray(&children, &count)))
+                return Fail(u"A list node hides its children");
             out.Varint(count);
             for (std::uint32_t i = 0; i < count; ++i)
                 if (!Node(children[i], out, depth + 1)) return false;
@@ -171,14 +196,30 @@ private:
         variant v;
         if (FAILED(node->GetValue(&v)) || v.type() != type) return Fail(u"A node hides its value");
         switch (TsAccessorGroup(type)) {
-            case kTsTypeInt: out.ZigZag(v.GetInt()); break;
-            case kTsTypeUInt: out.Varint(v.GetUInt()); break;
-            case kTsTypeFloat: out.Raw(v.GetFloat()); break;
-            case kTsTypeDouble: out.Raw(v.GetDouble()); break;
-            case kTsTypeBool: out.Byte(v.GetBool() ? 1 : 0); break;
-            case kTsTypeVector: out.Raw(v.GetVector()); break;
-            case kTsTypeColour: out.Raw(v.GetColour()); break;
-            case kTsTypeString: out.Text(v.GetString()); break;
+            case kTsTypeInt:
+                out.ZigZag(v.GetInt());
+                break;
+            case kTsTypeUInt:
+                out.Varint(v.GetUInt());
+                break;
+            case kTsTypeFloat:
+                out.Raw(v.GetFloat());
+                break;
+            case kTsTypeDouble:
+                out.Raw(v.GetDouble());
+                break;
+            case kTsTypeBool:
+                out.Byte(v.GetBool() ? 1 : 0);
+                break;
+            case kTsTypeVector:
+                out.Raw(v.GetVector());
+                break;
+            case kTsTypeColour:
+                out.Raw(v.GetColour());
+                break;
+            case kTsTypeString:
+                out.Text(v.GetString());
+                break;
             case kTsTypeBlob:
                 out.Varint(static_cast<std::uint32_t>(v.GetBlob().size()));
                 out.Bytes(v.GetBlob().data(), v.GetBlob().size());
@@ -196,7 +237,8 @@ private:
     std::vector<std::uint32_t> nameIndex_ = std::vector<std::uint32_t>(kAtomSlots, kNoIndex);
     std::vector<std::uint32_t> attributeSets_;
     std::vector<Shape> shapes_;
-    std::vector<std::vector<std::uint32_t>> shapesByAtom_ = std::vector<std::vector<std::uint32_t>>(kAtomSlots);
+    std::vector<std::vector<std::uint32_t>> shapesByAtom_ =
+        std::vector<std::vector<std::uint32_t>>(kAtomSlots);
     struct LastShape {
         std::uint32_t type = kNoIndex;  // no type code is this large, so a new slot never matches
         std::uint32_t flags = 0;

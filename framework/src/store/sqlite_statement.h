@@ -17,7 +17,9 @@ namespace ts::sqlite {
 // from 1, columns from 0.
 class Statement {
 public:
-    Statement(sqlite3* db, const char* sql) { rc_ = sqlite3_prepare_v2(db, sql, -1, &stmt_, nullptr); }
+    Statement(sqlite3* db, const char* sql) {
+        rc_ = sqlite3_prepare_v2(db, sql, -1, &stmt_, nullptr);
+    }
     ~Statement() { sqlite3_finalize(stmt_); }
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
@@ -28,17 +30,18 @@ public:
     Statement& Bind(int i, std::u16string_view text) {
         if (!stmt_) return *this;
         std::string utf8 = Utf16ToUtf8(text);
-        Check(sqlite3_bind_text(stmt_, i, utf8.data(), static_cast<int>(utf8.size()), SQLITE_TRANSIENT));
+        Check(sqlite3_bind_text(stmt_, i, utf8.data(), static_cast<int>(utf8.size()),
+                                SQLITE_TRANSIENT));
         return *this;
     }
     Statement& Bind(int i, std::string_view utf8) {
         if (!stmt_) return *this;
-        Check(sqlite3_bind_text(stmt_, i, utf8.data(), static_cast<int>(utf8.size()), SQLITE_TRANSIENT));
+        Check(sqlite3_bind_text(stmt_, i, utf8.data(), static_cast<int>(utf8.size()),
+                                SQLITE_TRANSIENT));
         return *this;
     }
     template <class T>
-        requires std::is_integral_v<T>
-    Statement& Bind(int i, T v) {
+    requires std::is_integral_v<T> Statement& Bind(int i, T v) {
         if (!stmt_) return *this;
         Check(sqlite3_bind_int64(stmt_, i, static_cast<sqlite3_int64>(v)));
         return *this;
@@ -51,8 +54,9 @@ public:
     Statement& Bind(int i, std::span<const std::uint8_t> bytes) {
         // A zero-length blob, not NULL, for empty content.
         if (!stmt_) return *this;
-        Check(bytes.empty() ? sqlite3_bind_zeroblob(stmt_, i, 0)
-                            : sqlite3_bind_blob64(stmt_, i, bytes.data(), bytes.size(), SQLITE_STATIC));
+        Check(bytes.empty()
+                  ? sqlite3_bind_zeroblob(stmt_, i, 0)
+                  : sqlite3_bind_blob64(stmt_, i, bytes.data(), bytes.size(), SQLITE_STATIC));
         return *this;
     }
 
@@ -73,12 +77,14 @@ public:
     double Double(int column) const { return sqlite3_column_double(stmt_, column); }
     std::u16string Text(int column) const {
         auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));
-        return p ? Utf8ToUtf16(std::string_view(p, static_cast<std::size_t>(sqlite3_column_bytes(stmt_, column))))
+        return p ? Utf8ToUtf16(std::string_view(
+                       p, static_cast<std::size_t>(sqlite3_column_bytes(stmt_, column))))
                  : std::u16string();
     }
     std::string Utf8(int column) const {
         auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));
-        return p ? std::string(p, static_cast<std::size_t>(sqlite3_column_bytes(stmt_, column))) : std::string();
+        return p ? std::string(p, static_cast<std::size_t>(sqlite3_column_bytes(stmt_, column)))
+                 : std::string();
     }
     void Blob(int column, std::vector<std::uint8_t>& out) const {
         auto* p = static_cast<const std::uint8_t*>(sqlite3_column_blob(stmt_, column));

@@ -53,29 +53,41 @@ CREATE TABLE game_tables(name TEXT PRIMARY KEY COLLATE NOCASE, content TEXT NOT 
 std::u16string Reason(sqlite3* db, int rc) {
     switch (rc & 0xFF) {
         case SQLITE_BUSY:
-        case SQLITE_LOCKED: return u"the module is in use by another program; try again in a moment";
+        case SQLITE_LOCKED:
+            return u"the module is in use by another program; try again in a moment";
         case SQLITE_CORRUPT:
-        case SQLITE_NOTADB: return u"the module file is damaged";
-        case SQLITE_FULL: return u"the disk is full";
-        case SQLITE_READONLY: return u"the module cannot be written (it is read-only)";
-        case SQLITE_CANTOPEN: return u"the module file cannot be opened";
+        case SQLITE_NOTADB:
+            return u"the module file is damaged";
+        case SQLITE_FULL:
+            return u"the disk is full";
+        case SQLITE_READONLY:
+            return u"the module cannot be written (it is read-only)";
+        case SQLITE_CANTOPEN:
+            return u"the module file cannot be opened";
         case SQLITE_IOERR:
-            return Format(u"the module file could not be read or written (%s)", db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
-        default: return Utf8ToUtf16(db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
+            return Format(u"the module file could not be read or written (%s)",
+                          db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
+        default:
+            return Utf8ToUtf16(db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
     }
 }
 
 StoreStatus StatusOf(int rc) {
     switch (rc & 0xFF) {
         case SQLITE_BUSY:
-        case SQLITE_LOCKED: return StoreStatus::Busy;
+        case SQLITE_LOCKED:
+            return StoreStatus::Busy;
         case SQLITE_CORRUPT:
-        case SQLITE_NOTADB: return StoreStatus::Damaged;
-        default: return StoreStatus::Failed;
+        case SQLITE_NOTADB:
+            return StoreStatus::Damaged;
+        default:
+            return StoreStatus::Failed;
     }
 }
 
-StoreResult Problem(StoreStatus status, std::u16string message) { return {status, std::move(message)}; }
+StoreResult Problem(StoreStatus status, std::u16string message) {
+    return {status, std::move(message)};
+}
 
 class SqliteStore final : public ResourceStore {
 public:
@@ -88,8 +100,10 @@ public:
         sqlite3_extended_result_codes(db_, 1);
         sqlite3_busy_timeout(db_, options.busyTimeoutMs);
         if (options.create) {
-            if (int rc = Exec("PRAGMA journal_mode=WAL"); rc != SQLITE_OK) return OpenFailure(rc, u"create");
-            if (int rc = Exec(Format(u"PRAGMA application_id=%d; PRAGMA user_version=%d;", kApplicationId, kSchemaVersion));
+            if (int rc = Exec("PRAGMA journal_mode=WAL"); rc != SQLITE_OK)
+                return OpenFailure(rc, u"create");
+            if (int rc = Exec(Format(u"PRAGMA application_id=%d; PRAGMA user_version=%d;",
+                                     kApplicationId, kSchemaVersion));
                 rc != SQLITE_OK)
                 return OpenFailure(rc, u"create");
             if (int rc = Exec(std::string("BEGIN;") + kSchema + "COMMIT;"); rc != SQLITE_OK) {
@@ -101,13 +115,17 @@ public:
             int rc = QueryInt("PRAGMA application_id", id);
             if (rc == SQLITE_OK) rc = QueryInt("PRAGMA user_version", version);
             if ((rc & 0xFF) == SQLITE_NOTADB || (rc == SQLITE_OK && id != kApplicationId))
-                return Problem(StoreStatus::Damaged, Format(u"\"%s\" is not a toolset module", path_));
+                return Problem(StoreStatus::Damaged,
+                               Format(u"\"%s\" is not a toolset module", path_));
             if (rc != SQLITE_OK) return OpenFailure(rc, u"open");
             if (version > kSchemaVersion)
-                return Problem(StoreStatus::Failed,
-                               Format(u"The module \"%s\" was made by a newer toolset (module format %ld)", path_, version));
+                return Problem(
+                    StoreStatus::Failed,
+                    Format(u"The module \"%s\" was made by a newer toolset (module format %ld)",
+                           path_, version));
             if (!options.readOnly) {
-                if (int r = Exec("PRAGMA journal_mode=WAL"); r != SQLITE_OK) return OpenFailure(r, u"open");
+                if (int r = Exec("PRAGMA journal_mode=WAL"); r != SQLITE_OK)
+                    return OpenFailure(r, u"open");
             }
         }
         // Every commit reaches the disk before a save reports success.
@@ -122,9 +140,12 @@ public:
         int rc;
         while ((rc = q.Step()) == SQLITE_ROW) {
             std::string key = q.Utf8(0);
-            if (key == "name") result.name = q.Text(1);
-            else if (key == "module_id") result.moduleId = static_cast<std::int32_t>(q.Int(1));
-            else if (key == "description") result.description = q.Text(1);
+            if (key == "name")
+                result.name = q.Text(1);
+            else if (key == "module_id")
+                result.moduleId = static_cast<std::int32_t>(q.Int(1));
+            else if (key == "description")
+                result.description = q.Text(1);
         }
         if (rc != SQLITE_DONE) return Failure(rc, u"Could not read the module's properties");
         info = std::move(result);
@@ -134,44 +155,66 @@ public:
     StoreResult SetModuleInfo(const ModuleInfo& info) override {
         return InTransaction(u"Could not change the module's properties", [&]() -> StoreResult {
             const char* sql = "INSERT OR REPLACE INTO module_info(key, value) VALUES(?, ?)";
-            if (int rc = Statement(db_, sql).Bind(1, std::string_view("name")).Bind(2, info.name).Run(); rc != SQLITE_OK)
+            if (int rc =
+                    Statement(db_, sql).Bind(1, std::string_view("name")).Bind(2, info.name).Run();
+                rc != SQLITE_OK)
                 return Failure(rc, u"Could not change the module's properties");
-            if (int rc = Statement(db_, sql).Bind(1, std::string_view("module_id")).Bind(2, info.moduleId).Run(); rc != SQLITE_OK)
+            if (int rc = Statement(db_, sql)
+                             .Bind(1, std::string_view("module_id"))
+                             .Bind(2, info.moduleId)
+                             .Run();
+                rc != SQLITE_OK)
                 return Failure(rc, u"Could not change the module's properties");
-            if (int rc = Statement(db_, sql).Bind(1, std::string_view("description")).Bind(2, info.description).Run();
+            if (int rc = Statement(db_, sql)
+                             .Bind(1, std::string_view("description"))
+                             .Bind(2, info.description)
+                             .Run();
                 rc != SQLITE_OK)
                 return Failure(rc, u"Could not change the module's properties");
             return StoreResult::Success();
         });
     }
 
-    StoreResult CreateResource(std::u16string_view name, std::u16string_view type, std::span<const std::uint8_t> content,
+    StoreResult CreateResource(std::u16string_view name, std::u16string_view type,
+                               std::span<const std::uint8_t> content,
                                std::u16string_view user) override {
         if (auto bad = CheckKey(name, type); !bad) return bad;
         Statement q(db_,
-                    "INSERT INTO resources(name, type, content, version, modified_on, modified_by) VALUES(?, ?, ?, 1, ?, ?)");
-        int rc = q.Bind(1, name).Bind(2, type).Bind(3, content).Bind(4, CurrentDateTime()).Bind(5, user).Run();
+                    "INSERT INTO resources(name, type, content, version, modified_on, modified_by) "
+                    "VALUES(?, ?, ?, 1, ?, ?)");
+        int rc = q.Bind(1, name)
+                     .Bind(2, type)
+                     .Bind(3, content)
+                     .Bind(4, CurrentDateTime())
+                     .Bind(5, user)
+                     .Run();
         if (rc == SQLITE_CONSTRAINT_UNIQUE)
             return Problem(StoreStatus::AlreadyExists,
-                           Format(u"A resource \"%ls\" of type \"%ls\" already exists in \"%s\"", name, type, path_));
-        if (rc != SQLITE_OK) return Failure(rc, Format(u"Could not create the resource \"%ls\" (%ls)", name, type));
+                           Format(u"A resource \"%ls\" of type \"%ls\" already exists in \"%s\"",
+                                  name, type, path_));
+        if (rc != SQLITE_OK)
+            return Failure(rc, Format(u"Could not create the resource \"%ls\" (%ls)", name, type));
         return StoreResult::Success();
     }
 
-    StoreResult ReadResource(std::u16string_view name, std::u16string_view type, std::vector<std::uint8_t>& content,
-                             ResourceInfo* info) override {
-        Statement q(db_, "SELECT content, name, type, version, checked_out_by, locked, length(content), modified_on, "
-                         "modified_by FROM resources WHERE type = ? AND name = ?");
+    StoreResult ReadResource(std::u16string_view name, std::u16string_view type,
+                             std::vector<std::uint8_t>& content, ResourceInfo* info) override {
+        Statement q(db_,
+                    "SELECT content, name, type, version, checked_out_by, locked, length(content), "
+                    "modified_on, "
+                    "modified_by FROM resources WHERE type = ? AND name = ?");
         int rc = q.Bind(1, type).Bind(2, name).Step();
         if (rc == SQLITE_DONE) return NoSuchResource(name, type);
-        if (rc != SQLITE_ROW) return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
+        if (rc != SQLITE_ROW)
+            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
         q.Blob(0, content);
         if (info) ReadInfo(q, 1, *info);
         return StoreResult::Success();
     }
 
-    StoreResult SaveResource(std::u16string_view name, std::u16string_view type, std::span<const std::uint8_t> content,
-                             std::int32_t expectedVersion, std::u16string_view user) override {
+    StoreResult SaveResource(std::u16string_view name, std::u16string_view type,
+                             std::span<const std::uint8_t> content, std::int32_t expectedVersion,
+                             std::u16string_view user) override {
         std::u16string what = Format(u"Could not save the resource \"%ls\" (%ls)", name, type);
         return InTransaction(what, [&]() -> StoreResult {
             ResourceInfo info;
@@ -179,42 +222,56 @@ public:
             if (auto r = FindForChange(name, type, user, id, info); !r) return r;
             if (expectedVersion != kAnyVersion && info.version != expectedVersion)
                 return Problem(StoreStatus::VersionConflict,
-                               Format(u"The resource \"%ls\" (%ls) was saved by \"%ls\" after you opened it (it is now at "
-                                      u"version %d, yours is version %d); your changes were not saved over theirs",
+                               Format(u"The resource \"%ls\" (%ls) was saved by \"%ls\" after you "
+                                      u"opened it (it is now at "
+                                      u"version %d, yours is version %d); your changes were not "
+                                      u"saved over theirs",
                                       name, type, info.modifiedBy, info.version, expectedVersion));
-            Statement q(db_, "UPDATE resources SET content = ?, version = version + 1, modified_on = ?, modified_by = ? "
-                             "WHERE id = ?");
-            if (int rc = q.Bind(1, content).Bind(2, CurrentDateTime()).Bind(3, user).Bind(4, id).Run(); rc != SQLITE_OK)
+            Statement q(db_,
+                        "UPDATE resources SET content = ?, version = version + 1, modified_on = ?, "
+                        "modified_by = ? "
+                        "WHERE id = ?");
+            if (int rc =
+                    q.Bind(1, content).Bind(2, CurrentDateTime()).Bind(3, user).Bind(4, id).Run();
+                rc != SQLITE_OK)
                 return Failure(rc, what);
             return StoreResult::Success();
         });
     }
 
-    StoreResult DeleteResource(std::u16string_view name, std::u16string_view type, std::u16string_view user) override {
+    StoreResult DeleteResource(std::u16string_view name, std::u16string_view type,
+                               std::u16string_view user) override {
         std::u16string what = Format(u"Could not delete the resource \"%ls\" (%ls)", name, type);
         return InTransaction(what, [&]() -> StoreResult {
             ResourceInfo info;
             std::int64_t id;
             if (auto r = FindForChange(name, type, user, id, info); !r) return r;
-            if (int rc = Statement(db_, "DELETE FROM resources WHERE id = ?").Bind(1, id).Run(); rc != SQLITE_OK)
+            if (int rc = Statement(db_, "DELETE FROM resources WHERE id = ?").Bind(1, id).Run();
+                rc != SQLITE_OK)
                 return Failure(rc, what);
             return StoreResult::Success();
         });
     }
 
-    StoreResult GetResourceInfo(std::u16string_view name, std::u16string_view type, ResourceInfo& info) override {
-        Statement q(db_, "SELECT name, type, version, checked_out_by, locked, length(content), modified_on, modified_by "
-                         "FROM resources WHERE type = ? AND name = ?");
+    StoreResult GetResourceInfo(std::u16string_view name, std::u16string_view type,
+                                ResourceInfo& info) override {
+        Statement q(db_,
+                    "SELECT name, type, version, checked_out_by, locked, length(content), "
+                    "modified_on, modified_by "
+                    "FROM resources WHERE type = ? AND name = ?");
         int rc = q.Bind(1, type).Bind(2, name).Step();
         if (rc == SQLITE_DONE) return NoSuchResource(name, type);
-        if (rc != SQLITE_ROW) return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
+        if (rc != SQLITE_ROW)
+            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
         ReadInfo(q, 0, info);
         return StoreResult::Success();
     }
 
     StoreResult ListResources(std::u16string_view type, std::vector<ResourceInfo>& list) override {
-        Statement q(db_, "SELECT name, type, version, checked_out_by, locked, length(content), modified_on, modified_by "
-                         "FROM resources WHERE ?1 = '' OR type = ?1 ORDER BY type, name");
+        Statement q(db_,
+                    "SELECT name, type, version, checked_out_by, locked, length(content), "
+                    "modified_on, modified_by "
+                    "FROM resources WHERE ?1 = '' OR type = ?1 ORDER BY type, name");
         q.Bind(1, type);
         std::vector<ResourceInfo> result;
         int rc;
@@ -224,38 +281,47 @@ public:
         return StoreResult::Success();
     }
 
-    StoreResult CheckOut(std::u16string_view name, std::u16string_view type, std::u16string_view user) override {
+    StoreResult CheckOut(std::u16string_view name, std::u16string_view type,
+                         std::u16string_view user) override {
         std::u16string what = Format(u"Could not check out the resource \"%ls\" (%ls)", name, type);
-        if (user.empty()) return Problem(StoreStatus::InvalidArgument, what + u": no user name was given");
+        if (user.empty())
+            return Problem(StoreStatus::InvalidArgument, what + u": no user name was given");
         return InTransaction(what, [&]() -> StoreResult {
             ResourceInfo info;
             std::int64_t id;
             if (auto r = FindForChange(name, type, user, id, info); !r) return r;
             Statement q(db_, "UPDATE resources SET checked_out_by = ? WHERE id = ?");
-            if (int rc = q.Bind(1, user).Bind(2, id).Run(); rc != SQLITE_OK) return Failure(rc, what);
+            if (int rc = q.Bind(1, user).Bind(2, id).Run(); rc != SQLITE_OK)
+                return Failure(rc, what);
             return StoreResult::Success();
         });
     }
 
-    StoreResult CheckIn(std::u16string_view name, std::u16string_view type, std::u16string_view user) override {
+    StoreResult CheckIn(std::u16string_view name, std::u16string_view type,
+                        std::u16string_view user) override {
         std::u16string what = Format(u"Could not check in the resource \"%ls\" (%ls)", name, type);
         return InTransaction(what, [&]() -> StoreResult {
             ResourceInfo info;
             if (auto r = GetResourceInfo(name, type, info); !r) return r;
             if (!info.checkedOutBy.empty() && info.checkedOutBy != user)
-                return Problem(StoreStatus::CheckedOut,
-                               Format(u"The resource \"%ls\" is checked out by \"%ls\", not by \"%ls\"", name,
-                                      info.checkedOutBy, user));
-            Statement q(db_, "UPDATE resources SET checked_out_by = '' WHERE type = ? AND name = ?");
-            if (int rc = q.Bind(1, type).Bind(2, name).Run(); rc != SQLITE_OK) return Failure(rc, what);
+                return Problem(
+                    StoreStatus::CheckedOut,
+                    Format(u"The resource \"%ls\" is checked out by \"%ls\", not by \"%ls\"", name,
+                           info.checkedOutBy, user));
+            Statement q(db_,
+                        "UPDATE resources SET checked_out_by = '' WHERE type = ? AND name = ?");
+            if (int rc = q.Bind(1, type).Bind(2, name).Run(); rc != SQLITE_OK)
+                return Failure(rc, what);
             return StoreResult::Success();
         });
     }
 
-    StoreResult SetLocked(std::u16string_view name, std::u16string_view type, bool locked) override {
+    StoreResult SetLocked(std::u16string_view name, std::u16string_view type,
+                          bool locked) override {
         Statement q(db_, "UPDATE resources SET locked = ? WHERE type = ? AND name = ?");
         int rc = q.Bind(1, locked ? 1 : 0).Bind(2, type).Bind(3, name).Run();
-        if (rc != SQLITE_OK) return Failure(rc, Format(u"Could not lock the resource \"%ls\" (%ls)", name, type));
+        if (rc != SQLITE_OK)
+            return Failure(rc, Format(u"Could not lock the resource \"%ls\" (%ls)", name, type));
         if (sqlite3_changes(db_) == 0) return NoSuchResource(name, type);
         return StoreResult::Success();
     }
@@ -264,10 +330,15 @@ public:
         if (current == -1) {
             return InTransaction(u"Could not issue a new string id", [&]() -> StoreResult {
                 std::int64_t last = 0;
-                if (int rc = QueryInt("SELECT COALESCE(MAX(string_id), 0) FROM string_ids", last); rc != SQLITE_OK)
+                if (int rc = QueryInt("SELECT COALESCE(MAX(string_id), 0) FROM string_ids", last);
+                    rc != SQLITE_OK)
                     return Failure(rc, u"Could not issue a new string id");
-                if (last >= INT32_MAX) return Problem(StoreStatus::Failed, u"Could not issue a new string id: every id is used");
-                if (int rc = Statement(db_, "INSERT INTO string_ids(string_id) VALUES(?)").Bind(1, last + 1).Run();
+                if (last >= INT32_MAX)
+                    return Problem(StoreStatus::Failed,
+                                   u"Could not issue a new string id: every id is used");
+                if (int rc = Statement(db_, "INSERT INTO string_ids(string_id) VALUES(?)")
+                                 .Bind(1, last + 1)
+                                 .Run();
                     rc != SQLITE_OK)
                     return Failure(rc, u"Could not issue a new string id");
                 valid = static_cast<std::int32_t>(last + 1);
@@ -278,102 +349,140 @@ public:
         if (current >= 0) {
             Statement q(db_, "SELECT COUNT(*) FROM string_ids WHERE string_id = ?");
             int rc = q.Bind(1, current).Step();
-            if (rc != SQLITE_ROW) return Failure(rc, Format(u"Could not validate the string id %d", current));
+            if (rc != SQLITE_ROW)
+                return Failure(rc, Format(u"Could not validate the string id %d", current));
             known = q.Int(0);
         }
         if (!known)
-            return Problem(StoreStatus::InvalidArgument, Format(u"The string id %d is not known to the module \"%s\"", current, path_));
+            return Problem(
+                StoreStatus::InvalidArgument,
+                Format(u"The string id %d is not known to the module \"%s\"", current, path_));
         valid = current;
         return StoreResult::Success();
     }
 
-    StoreResult GetString(std::int32_t stringId, std::int32_t language, std::u16string& text) override {
+    StoreResult GetString(std::int32_t stringId, std::int32_t language,
+                          std::u16string& text) override {
         Statement q(db_, "SELECT text FROM strings WHERE string_id = ? AND language = ?");
         int rc = q.Bind(1, stringId).Bind(2, language).Step();
         if (rc == SQLITE_DONE)
-            return Problem(StoreStatus::NotFound, Format(u"The string %d has no text in language %d", stringId, language));
+            return Problem(StoreStatus::NotFound,
+                           Format(u"The string %d has no text in language %d", stringId, language));
         if (rc != SQLITE_ROW) return Failure(rc, Format(u"Could not read the string %d", stringId));
         text = q.Text(0);
         return StoreResult::Success();
     }
 
-    StoreResult SetString(std::int32_t stringId, std::int32_t language, std::u16string_view text) override {
+    StoreResult SetString(std::int32_t stringId, std::int32_t language,
+                          std::u16string_view text) override {
         std::u16string what = Format(u"Could not store the string %d", stringId);
-        if (stringId < 0) return Problem(StoreStatus::InvalidArgument, what + u": string ids are not negative");
+        if (stringId < 0)
+            return Problem(StoreStatus::InvalidArgument, what + u": string ids are not negative");
         return InTransaction(what, [&]() -> StoreResult {
-            if (int rc = Statement(db_, "INSERT OR IGNORE INTO string_ids(string_id) VALUES(?)").Bind(1, stringId).Run();
+            if (int rc = Statement(db_, "INSERT OR IGNORE INTO string_ids(string_id) VALUES(?)")
+                             .Bind(1, stringId)
+                             .Run();
                 rc != SQLITE_OK)
                 return Failure(rc, what);
-            Statement q(db_, "INSERT OR REPLACE INTO strings(string_id, language, text) VALUES(?, ?, ?)");
-            if (int rc = q.Bind(1, stringId).Bind(2, language).Bind(3, text).Run(); rc != SQLITE_OK) return Failure(rc, what);
+            Statement q(
+                db_, "INSERT OR REPLACE INTO strings(string_id, language, text) VALUES(?, ?, ?)");
+            if (int rc = q.Bind(1, stringId).Bind(2, language).Bind(3, text).Run(); rc != SQLITE_OK)
+                return Failure(rc, what);
             return StoreResult::Success();
         });
     }
 
     StoreResult ListStrings(std::vector<LocalizedString>& list) override {
-        Statement q(db_, "SELECT string_id, language, text FROM strings ORDER BY string_id, language");
+        Statement q(db_,
+                    "SELECT string_id, language, text FROM strings ORDER BY string_id, language");
         std::vector<LocalizedString> result;
         int rc;
         while ((rc = q.Step()) == SQLITE_ROW)
-            result.push_back({static_cast<std::int32_t>(q.Int(0)), static_cast<std::int32_t>(q.Int(1)), q.Text(2)});
+            result.push_back({static_cast<std::int32_t>(q.Int(0)),
+                              static_cast<std::int32_t>(q.Int(1)), q.Text(2)});
         if (rc != SQLITE_DONE) return Failure(rc, u"Could not list the module's strings");
         list = std::move(result);
         return StoreResult::Success();
     }
 
     StoreResult GetVORecordingStatus(std::int32_t stringId, VORecordingStatus& status) override {
-        Statement q(db_, "SELECT module_resref_version_id, sent_for_recording_on, requires_rerecording "
-                         "FROM vo_recording_status WHERE string_id = ?");
+        Statement q(db_,
+                    "SELECT module_resref_version_id, sent_for_recording_on, requires_rerecording "
+                    "FROM vo_recording_status WHERE string_id = ?");
         int rc = q.Bind(1, stringId).Step();
         if (rc == SQLITE_DONE)
-            return Problem(StoreStatus::NotFound, Format(u"The string %d has no voice-over recording status", stringId));
-        if (rc != SQLITE_ROW) return Failure(rc, Format(u"Could not read the voice-over status of string %d", stringId));
+            return Problem(StoreStatus::NotFound,
+                           Format(u"The string %d has no voice-over recording status", stringId));
+        if (rc != SQLITE_ROW)
+            return Failure(rc,
+                           Format(u"Could not read the voice-over status of string %d", stringId));
         status = {stringId, static_cast<std::int32_t>(q.Int(0)), q.Double(1), q.Int(2) != 0};
         return StoreResult::Success();
     }
 
     StoreResult SetVORecordingStatus(const VORecordingStatus& s) override {
-        Statement q(db_, "INSERT OR REPLACE INTO vo_recording_status(string_id, module_resref_version_id, "
-                         "sent_for_recording_on, requires_rerecording) VALUES(?, ?, ?, ?)");
-        int rc = q.Bind(1, s.stringId).Bind(2, s.moduleResRefVersionId).Bind(3, s.sentForRecordingOn)
-                     .Bind(4, s.requiresReRecording ? 1 : 0).Run();
+        Statement q(
+            db_,
+            "INSERT OR REPLACE INTO vo_recording_status(string_id, module_resref_version_id, "
+            "sent_for_recording_on, requires_rerecording) VALUES(?, ?, ?, ?)");
+        int rc = q.Bind(1, s.stringId)
+                     .Bind(2, s.moduleResRefVersionId)
+                     .Bind(3, s.sentForRecordingOn)
+                     .Bind(4, s.requiresReRecording ? 1 : 0)
+                     .Run();
         return StatusWritten(rc, s.stringId, u"voice-over recording");
     }
 
     StoreResult GetLocalizationStatus(std::int32_t stringId, LocalizationStatus& status) override {
-        Statement q(db_, "SELECT module_resref_version_id, exported_on, requires_retranslation "
-                         "FROM localization_status WHERE string_id = ?");
+        Statement q(db_,
+                    "SELECT module_resref_version_id, exported_on, requires_retranslation "
+                    "FROM localization_status WHERE string_id = ?");
         int rc = q.Bind(1, stringId).Step();
         if (rc == SQLITE_DONE)
-            return Problem(StoreStatus::NotFound, Format(u"The string %d has no localization status", stringId));
-        if (rc != SQLITE_ROW) return Failure(rc, Format(u"Could not read the localization status of string %d", stringId));
+            return Problem(StoreStatus::NotFound,
+                           Format(u"The string %d has no localization status", stringId));
+        if (rc != SQLITE_ROW)
+            return Failure(
+                rc, Format(u"Could not read the localization status of string %d", stringId));
         status = {stringId, static_cast<std::int32_t>(q.Int(0)), q.Double(1), q.Int(2) != 0};
         return StoreResult::Success();
     }
 
     StoreResult SetLocalizationStatus(const LocalizationStatus& s) override {
-        Statement q(db_, "INSERT OR REPLACE INTO localization_status(string_id, module_resref_version_id, exported_on, "
-                         "requires_retranslation) VALUES(?, ?, ?, ?)");
-        int rc = q.Bind(1, s.stringId).Bind(2, s.moduleResRefVersionId).Bind(3, s.exportedOn)
-                     .Bind(4, s.requiresReTranslation ? 1 : 0).Run();
+        Statement q(db_,
+                    "INSERT OR REPLACE INTO localization_status(string_id, "
+                    "module_resref_version_id, exported_on, "
+                    "requires_retranslation) VALUES(?, ?, ?, ?)");
+        int rc = q.Bind(1, s.stringId)
+                     .Bind(2, s.moduleResRefVersionId)
+                     .Bind(3, s.exportedOn)
+                     .Bind(4, s.requiresReTranslation ? 1 : 0)
+                     .Run();
         return StatusWritten(rc, s.stringId, u"localization");
     }
 
     StoreResult CountStatusRecords(std::int64_t& voRecording, std::int64_t& localization) override {
         int rc = QueryInt("SELECT COUNT(*) FROM vo_recording_status", voRecording);
-        if (rc == SQLITE_OK) rc = QueryInt("SELECT COUNT(*) FROM localization_status", localization);
-        return rc == SQLITE_OK ? StoreResult::Success() : Failure(rc, u"Could not count the status records");
+        if (rc == SQLITE_OK)
+            rc = QueryInt("SELECT COUNT(*) FROM localization_status", localization);
+        return rc == SQLITE_OK ? StoreResult::Success()
+                               : Failure(rc, u"Could not count the status records");
     }
 
     StoreResult ImportTable(const GameTable& table) override {
         std::u16string what = Format(u"Could not import the table \"%ls\"", table.Name());
-        if (!IsValidTableName(table.Name())) return Problem(StoreStatus::InvalidArgument, what + u": the name is not valid");
+        if (!IsValidTableName(table.Name()))
+            return Problem(StoreStatus::InvalidArgument, what + u": the name is not valid");
         return InTransaction(what, [&]() -> StoreResult {
             // Deleting first lets a table be renamed in case only.
-            if (int rc = Statement(db_, "DELETE FROM game_tables WHERE name = ?").Bind(1, table.Name()).Run(); rc != SQLITE_OK)
+            if (int rc = Statement(db_, "DELETE FROM game_tables WHERE name = ?")
+                             .Bind(1, table.Name())
+                             .Run();
+                rc != SQLITE_OK)
                 return Failure(rc, what);
             Statement q(db_, "INSERT INTO game_tables(name, content) VALUES(?, ?)");
-            if (int rc = q.Bind(1, table.Name()).Bind(2, std::string_view(table.ToCsv())).Run(); rc != SQLITE_OK)
+            if (int rc = q.Bind(1, table.Name()).Bind(2, std::string_view(table.ToCsv())).Run();
+                rc != SQLITE_OK)
                 return Failure(rc, what);
             return StoreResult::Success();
         });
@@ -383,11 +492,14 @@ public:
         Statement q(db_, "SELECT name, content FROM game_tables WHERE name = ?");
         int rc = q.Bind(1, name).Step();
         if (rc == SQLITE_DONE)
-            return Problem(StoreStatus::NotFound, Format(u"The module \"%s\" has no table \"%ls\"", path_, name));
+            return Problem(StoreStatus::NotFound,
+                           Format(u"The module \"%s\" has no table \"%ls\"", path_, name));
         if (rc != SQLITE_ROW) return Failure(rc, Format(u"Could not read the table \"%ls\"", name));
         std::u16string error;
         if (!GameTable::FromCsv(q.Text(0), q.Utf8(1), table, &error))
-            return Problem(StoreStatus::Damaged, Format(u"The table \"%ls\" in \"%s\" is damaged: %ls", name, path_, error));
+            return Problem(
+                StoreStatus::Damaged,
+                Format(u"The table \"%ls\" in \"%s\" is damaged: %ls", name, path_, error));
         return StoreResult::Success();
     }
 
@@ -402,9 +514,11 @@ public:
     }
 
     StoreResult BeginBatch() override {
-        if (!sqlite3_get_autocommit(db_)) return Problem(StoreStatus::InvalidArgument, u"A batch of changes is already open");
+        if (!sqlite3_get_autocommit(db_))
+            return Problem(StoreStatus::InvalidArgument, u"A batch of changes is already open");
         int rc = Exec("BEGIN IMMEDIATE");
-        return rc == SQLITE_OK ? StoreResult::Success() : Failure(rc, u"Could not start a batch of changes");
+        return rc == SQLITE_OK ? StoreResult::Success()
+                               : Failure(rc, u"Could not start a batch of changes");
     }
 
     StoreResult CommitBatch() override {
@@ -421,7 +535,8 @@ public:
     StoreResult Flush() override {
         Statement q(db_, "PRAGMA wal_checkpoint(TRUNCATE)");
         int rc = q.Step();
-        if (rc == SQLITE_ROW && q.Int(0) != 0) rc = SQLITE_BUSY;  // another program still reads part of the log
+        if (rc == SQLITE_ROW && q.Int(0) != 0)
+            rc = SQLITE_BUSY;  // another program still reads part of the log
         if (rc == SQLITE_ROW) return StoreResult::Success();
         return Failure(rc, u"Could not write the module out");
     }
@@ -440,13 +555,16 @@ public:
         }
         Statement fk(db_, "PRAGMA foreign_key_check");
         while ((rc = fk.Step()) == SQLITE_ROW)
-            problems.push_back(Format(u"a row of %ls refers to a string id that was never issued", fk.Text(0)));
+            problems.push_back(
+                Format(u"a row of %ls refers to a string id that was never issued", fk.Text(0)));
         if (rc != SQLITE_DONE) return Failure(rc, u"Could not check the module");
         return StoreResult::Success();
     }
 
 private:
-    int Exec(const std::string& sql) { return sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr); }
+    int Exec(const std::string& sql) {
+        return sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr);
+    }
     int Exec(const std::u16string& sql) { return Exec(Utf16ToUtf8(sql)); }
     int Exec(const char* sql) { return sqlite3_exec(db_, sql, nullptr, nullptr, nullptr); }
 
@@ -459,7 +577,8 @@ private:
     }
 
     StoreResult OpenFailure(int rc, const char16_t* verb) {
-        return Problem(StatusOf(rc), Format(u"Could not %ls the module \"%s\": %ls", verb, path_, Reason(db_, rc)));
+        return Problem(StatusOf(rc), Format(u"Could not %ls the module \"%s\": %ls", verb, path_,
+                                            Reason(db_, rc)));
     }
 
     StoreResult Failure(int rc, const std::u16string& what) {
@@ -467,18 +586,22 @@ private:
     }
 
     StoreResult NoSuchResource(std::u16string_view name, std::u16string_view type) {
-        return Problem(StoreStatus::NotFound, Format(u"There is no resource \"%ls\" of type \"%ls\" in \"%s\"", name, type, path_));
+        return Problem(
+            StoreStatus::NotFound,
+            Format(u"There is no resource \"%ls\" of type \"%ls\" in \"%s\"", name, type, path_));
     }
 
     StoreResult CheckKey(std::u16string_view name, std::u16string_view type) {
         if (!IsValidResourceName(name))
             return Problem(StoreStatus::InvalidArgument,
-                           Format(u"\"%ls\" is not a valid resource name (1 to 128 characters, none of / \\ : * ? \" < > | "
+                           Format(u"\"%ls\" is not a valid resource name (1 to 128 characters, "
+                                  u"none of / \\ : * ? \" < > | "
                                   u"and no control characters)",
                                   name));
         if (!IsValidResourceType(type))
-            return Problem(StoreStatus::InvalidArgument,
-                           Format(u"\"%ls\" is not a valid resource type (1 to 16 letters and digits)", type));
+            return Problem(
+                StoreStatus::InvalidArgument,
+                Format(u"\"%ls\" is not a valid resource type (1 to 16 letters and digits)", type));
         return StoreResult::Success();
     }
 
@@ -494,29 +617,39 @@ private:
     }
 
     // The resource, when `user` may change it: it is neither locked nor checked out by another.
-    StoreResult FindForChange(std::u16string_view name, std::u16string_view type, std::u16string_view user,
-                              std::int64_t& id, ResourceInfo& info) {
-        Statement q(db_, "SELECT id, name, type, version, checked_out_by, locked, length(content), modified_on, modified_by "
-                         "FROM resources WHERE type = ? AND name = ?");
+    StoreResult FindForChange(std::u16string_view name, std::u16string_view type,
+                              std::u16string_view user, std::int64_t& id, ResourceInfo& info) {
+        Statement q(db_,
+                    "SELECT id, name, type, version, checked_out_by, locked, length(content), "
+                    "modified_on, modified_by "
+                    "FROM resources WHERE type = ? AND name = ?");
         int rc = q.Bind(1, type).Bind(2, name).Step();
         if (rc == SQLITE_DONE) return NoSuchResource(name, type);
-        if (rc != SQLITE_ROW) return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
+        if (rc != SQLITE_ROW)
+            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
         id = q.Int(0);
         ReadInfo(q, 1, info);
         if (info.locked)
-            return Problem(StoreStatus::Locked, Format(u"The resource \"%ls\" is locked and cannot be edited", info.name));
+            return Problem(
+                StoreStatus::Locked,
+                Format(u"The resource \"%ls\" is locked and cannot be edited", info.name));
         if (!info.checkedOutBy.empty() && info.checkedOutBy != user)
-            return Problem(StoreStatus::CheckedOut, Format(u"The resource \"%ls\" is checked out by \"%ls\" and cannot be edited",
-                                                           info.name, info.checkedOutBy));
+            return Problem(
+                StoreStatus::CheckedOut,
+                Format(u"The resource \"%ls\" is checked out by \"%ls\" and cannot be edited",
+                       info.name, info.checkedOutBy));
         return StoreResult::Success();
     }
 
     StoreResult StatusWritten(int rc, std::int32_t stringId, const char16_t* kind) {
         if ((rc & 0xFF) == SQLITE_CONSTRAINT)
             return Problem(StoreStatus::InvalidArgument,
-                           Format(u"Could not store the %ls status of string %d: the module has no such string id", kind,
-                                  stringId));
-        if (rc != SQLITE_OK) return Failure(rc, Format(u"Could not store the %ls status of string %d", kind, stringId));
+                           Format(u"Could not store the %ls status of string %d: the module has no "
+                                  u"such string id",
+                                  kind, stringId));
+        if (rc != SQLITE_OK)
+            return Failure(rc,
+                           Format(u"Could not store the %ls status of string %d", kind, stringId));
         return StoreResult::Success();
     }
 
@@ -525,15 +658,18 @@ private:
     template <class Body>
     StoreResult InTransaction(const std::u16string& what, Body body) {
         bool nested = !sqlite3_get_autocommit(db_);
-        if (int rc = Exec(nested ? "SAVEPOINT step" : "BEGIN IMMEDIATE"); rc != SQLITE_OK) return Failure(rc, what);
+        if (int rc = Exec(nested ? "SAVEPOINT step" : "BEGIN IMMEDIATE"); rc != SQLITE_OK)
+            return Failure(rc, what);
         StoreResult result = body();
         if (result) {
             int rc = Exec(nested ? "RELEASE step" : "COMMIT");
             if (rc == SQLITE_OK) return result;
             result = Failure(rc, what);
         }
-        if (nested) Exec("ROLLBACK TO step; RELEASE step");
-        else if (!sqlite3_get_autocommit(db_)) Exec("ROLLBACK");
+        if (nested)
+            Exec("ROLLBACK TO step; RELEASE step");
+        else if (!sqlite3_get_autocommit(db_))
+            Exec("ROLLBACK");
         return result;
     }
 
@@ -546,18 +682,22 @@ private:
 bool IsValidResourceName(std::u16string_view name) {
     if (name.empty() || name.size() > 128) return false;
     for (char16_t c : name)
-        if (c < 0x20 || c == 0x7F || std::u16string_view(u"/\\:*?\"<>|").find(c) != std::u16string_view::npos) return false;
+        if (c < 0x20 || c == 0x7F ||
+            std::u16string_view(u"/\\:*?\"<>|").find(c) != std::u16string_view::npos)
+            return false;
     return true;
 }
 
 bool IsValidResourceType(std::u16string_view type) {
     if (type.empty() || type.size() > 16) return false;
     for (char16_t c : type)
-        if (!((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9'))) return false;
+        if (!((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9')))
+            return false;
     return true;
 }
 
-std::unique_ptr<ResourceStore> OpenSqliteStore(const std::string& path, const SqliteStoreOptions& options,
+std::unique_ptr<ResourceStore> OpenSqliteStore(const std::string& path,
+                                               const SqliteStoreOptions& options,
                                                StoreResult* result) {
     auto fail = [&](StoreStatus status, std::u16string message) -> std::unique_ptr<ResourceStore> {
         if (result) *result = {status, std::move(message)};
@@ -566,16 +706,19 @@ std::unique_ptr<ResourceStore> OpenSqliteStore(const std::string& path, const Sq
     std::error_code ec;
     bool exists = std::filesystem::exists(path, ec);
     if (options.create && exists)
-        return fail(StoreStatus::AlreadyExists, Format(u"The module file \"%s\" already exists", path));
+        return fail(StoreStatus::AlreadyExists,
+                    Format(u"The module file \"%s\" already exists", path));
     if (!options.create && !exists)
         return fail(StoreStatus::NotFound, Format(u"The module file \"%s\" does not exist", path));
     if (exists && std::filesystem::is_directory(path, ec))
-        return fail(StoreStatus::InvalidArgument, Format(u"\"%s\" is a folder, not a module file", path));
+        return fail(StoreStatus::InvalidArgument,
+                    Format(u"\"%s\" is a folder, not a module file", path));
 
     int flags = options.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
     if (options.create) flags |= SQLITE_OPEN_CREATE;
     sqlite3* db = nullptr;
-    int rc = sqlite3_open_v2(path.c_str(), &db, flags, options.vfs.empty() ? nullptr : options.vfs.c_str());
+    int rc = sqlite3_open_v2(path.c_str(), &db, flags,
+                             options.vfs.empty() ? nullptr : options.vfs.c_str());
     if (rc != SQLITE_OK) {
         std::u16string reason = Reason(db, rc);
         sqlite3_close_v2(db);
@@ -586,7 +729,8 @@ std::unique_ptr<ResourceStore> OpenSqliteStore(const std::string& path, const Sq
     if (!opened) {
         store.reset();
         if (options.create) {  // no half-made module left behind
-            for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path + suffix, ec);
+            for (const char* suffix : {"", "-wal", "-shm"})
+                std::filesystem::remove(path + suffix, ec);
         }
         return fail(opened.status, opened.message);
     }

@@ -10,7 +10,9 @@ namespace ts {
 
 namespace {
 
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t';
+}
 
 std::string_view Trim(std::string_view s) {
     while (!s.empty() && IsBlank(s.front())) s.remove_prefix(1);
@@ -80,7 +82,9 @@ private:
         if (p_ < s_.size() && s_[p_] == '\n') ++p_;
         ++line_;
     }
-    bool AtEndOfCell() const { return p_ >= s_.size() || s_[p_] == ',' || s_[p_] == '\n' || s_[p_] == '\r'; }
+    bool AtEndOfCell() const {
+        return p_ >= s_.size() || s_[p_] == ',' || s_[p_] == '\n' || s_[p_] == '\r';
+    }
 
     bool Cell(std::string& cell, std::u16string* error) {
         std::size_t start = p_;
@@ -89,7 +93,8 @@ private:
             std::size_t opened = line_;
             ++p_;
             for (;;) {
-                if (p_ >= s_.size()) return Fail(error, Format(u"line %lu: a quoted cell is not closed", opened));
+                if (p_ >= s_.size())
+                    return Fail(error, Format(u"line %lu: a quoted cell is not closed", opened));
                 char c = s_[p_++];
                 if (c == '"') {
                     if (p_ < s_.size() && s_[p_] == '"') {
@@ -104,15 +109,18 @@ private:
             }
             while (p_ < s_.size() && IsBlank(s_[p_])) ++p_;
             if (!AtEndOfCell())
-                return Fail(error, Format(u"line %lu: text follows the closing quote of a cell", line_));
+                return Fail(error,
+                            Format(u"line %lu: text follows the closing quote of a cell", line_));
             return true;
         }
         p_ = start;
         while (!AtEndOfCell()) {
             if (s_[p_] == '"')
-                return Fail(error, Format(u"line %lu: a quote inside a cell that does not start with one; put the "
-                                          u"whole cell in quotes and double the quote",
-                                          line_));
+                return Fail(
+                    error,
+                    Format(u"line %lu: a quote inside a cell that does not start with one; put the "
+                           u"whole cell in quotes and double the quote",
+                           line_));
             ++p_;
         }
         cell = Trim(s_.substr(start, p_ - start));
@@ -124,36 +132,47 @@ private:
     std::size_t line_ = 1;
 };
 
-bool IsValidUtf8(std::string_view s) { return Utf16ToUtf8(Utf8ToUtf16(s)) == s; }
+bool IsValidUtf8(std::string_view s) {
+    return Utf16ToUtf8(Utf8ToUtf16(s)) == s;
+}
 
 }  // namespace
 
 bool IsValidTableName(std::u16string_view name) {
     if (name.empty() || name.size() > 64) return false;
     for (char16_t c : name)
-        if (!((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_' || c == u'-'))
+        if (!((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') ||
+              c == u'_' || c == u'-'))
             return false;
     return true;
 }
 
-bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTable& out, std::u16string* error) {
+bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTable& out,
+                        std::u16string* error) {
     if (!IsValidTableName(name))
-        return Fail(error, Format(u"\"%ls\" is not a valid table name (1 to 64 letters, digits, \"_\" or \"-\")", name));
+        return Fail(
+            error,
+            Format(u"\"%ls\" is not a valid table name (1 to 64 letters, digits, \"_\" or \"-\")",
+                   name));
     std::vector<Record> records;
     if (!CsvReader(utf8).Records(records, error)) return false;
-    if (records.empty()) return Fail(error, u"the table is empty: it needs a header row naming its columns");
+    if (records.empty())
+        return Fail(error, u"the table is empty: it needs a header row naming its columns");
 
     GameTable table;
     table.name_ = name;
     for (const auto& header : records.front().cells) {
-        if (!IsValidUtf8(header)) return Fail(error, Format(u"line %lu: the text is not valid UTF-8", records.front().line));
+        if (!IsValidUtf8(header))
+            return Fail(error,
+                        Format(u"line %lu: the text is not valid UTF-8", records.front().line));
         std::u16string column = Utf8ToUtf16(header);
         if (column.empty())
-            return Fail(error, Format(u"line %lu: column %lu of the header has no name", records.front().line,
-                                      table.columns_.size() + 1));
+            return Fail(error, Format(u"line %lu: column %lu of the header has no name",
+                                      records.front().line, table.columns_.size() + 1));
         for (const auto& other : table.columns_)
             if (EqualsIgnoreAsciiCase(other, column))
-                return Fail(error, Format(u"line %lu: the column \"%ls\" is named twice", records.front().line, column));
+                return Fail(error, Format(u"line %lu: the column \"%ls\" is named twice",
+                                          records.front().line, column));
         table.columns_.push_back(std::move(column));
     }
 
@@ -162,20 +181,22 @@ bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTab
     for (std::size_t r = 1; r < records.size(); ++r) {
         const Record& record = records[r];
         if (record.cells.size() != width)
-            return Fail(error, Format(u"line %lu has %lu cells but the header names %lu columns", record.line,
-                                      record.cells.size(), width));
+            return Fail(error, Format(u"line %lu has %lu cells but the header names %lu columns",
+                                      record.line, record.cells.size(), width));
         for (const auto& cell : record.cells) {
-            if (!IsValidUtf8(cell)) return Fail(error, Format(u"line %lu: the text is not valid UTF-8", record.line));
+            if (!IsValidUtf8(cell))
+                return Fail(error, Format(u"line %lu: the text is not valid UTF-8", record.line));
             table.cells_.push_back(Utf8ToUtf16(cell));
         }
         std::int32_t id;
         const std::u16string& idText = table.cells_[table.cells_.size() - width];
         if (!ParseInt(idText, id))
-            return Fail(error, Format(u"line %lu: the row id \"%ls\" is not a whole number", record.line, idText));
+            return Fail(error, Format(u"line %lu: the row id \"%ls\" is not a whole number",
+                                      record.line, idText));
         auto [it, added] = firstLine.emplace(id, record.line);
         if (!added)
-            return Fail(error, Format(u"line %lu: the row id %d is used twice (first on line %lu)", record.line, id,
-                                      it->second));
+            return Fail(error, Format(u"line %lu: the row id %d is used twice (first on line %lu)",
+                                      record.line, id, it->second));
         table.rowIds_.push_back(id);
     }
     out = std::move(table);
@@ -189,7 +210,8 @@ std::string GameTable::ToCsv() const {
         // Quoted too: blanks at the ends, which a plain cell loses, and a leading byte-order mark,
         // which a reader takes for the file's own when it opens the file.
         bool quote = s.find_first_of(",\"\r\n") != std::string::npos ||
-                     (!s.empty() && (IsBlank(s.front()) || IsBlank(s.back()))) || s.starts_with("\xEF\xBB\xBF");
+                     (!s.empty() && (IsBlank(s.front()) || IsBlank(s.back()))) ||
+                     s.starts_with("\xEF\xBB\xBF");
         if (!quote) {
             out += s;
             return;
@@ -216,7 +238,8 @@ std::string GameTable::ToCsv() const {
     return out;
 }
 
-bool GameTable::FindColumn(std::u16string_view name, std::size_t& column, std::u16string* error) const {
+bool GameTable::FindColumn(std::u16string_view name, std::size_t& column,
+                           std::u16string* error) const {
     for (std::size_t c = 0; c < columns_.size(); ++c)
         if (EqualsIgnoreAsciiCase(columns_[c], name)) {
             column = c;
@@ -236,33 +259,40 @@ bool GameTable::FindRow(std::int32_t id, std::size_t& row, std::u16string* error
 
 bool GameTable::CheckCell(std::size_t row, std::size_t column, std::u16string* error) const {
     if (row >= rowIds_.size())
-        return Fail(error, Format(u"The table \"%ls\" has %lu rows; there is no row at index %lu", name_, rowIds_.size(), row));
+        return Fail(error, Format(u"The table \"%ls\" has %lu rows; there is no row at index %lu",
+                                  name_, rowIds_.size(), row));
     if (column >= columns_.size())
-        return Fail(error, Format(u"The table \"%ls\" has %lu columns; there is no column at index %lu", name_, columns_.size(),
-                                  column));
+        return Fail(error,
+                    Format(u"The table \"%ls\" has %lu columns; there is no column at index %lu",
+                           name_, columns_.size(), column));
     return true;
 }
 
-bool GameTable::GetText(std::size_t row, std::size_t column, std::u16string& out, std::u16string* error) const {
+bool GameTable::GetText(std::size_t row, std::size_t column, std::u16string& out,
+                        std::u16string* error) const {
     if (!CheckCell(row, column, error)) return false;
     out = cells_[row * columns_.size() + column];
     return true;
 }
 
-bool GameTable::GetInt(std::size_t row, std::size_t column, std::int32_t& out, std::u16string* error) const {
+bool GameTable::GetInt(std::size_t row, std::size_t column, std::int32_t& out,
+                       std::u16string* error) const {
     if (!CheckCell(row, column, error)) return false;
     const std::u16string& text = cells_[row * columns_.size() + column];
     if (ParseInt(text, out)) return true;
-    return Fail(error, Format(u"In the table \"%ls\", the cell of row %d in column \"%ls\" is not a whole number: \"%ls\"",
+    return Fail(error, Format(u"In the table \"%ls\", the cell of row %d in column \"%ls\" is not "
+                              u"a whole number: \"%ls\"",
                               name_, rowIds_[row], columns_[column], text));
 }
 
-bool GameTable::GetText(std::size_t row, std::u16string_view column, std::u16string& out, std::u16string* error) const {
+bool GameTable::GetText(std::size_t row, std::u16string_view column, std::u16string& out,
+                        std::u16string* error) const {
     std::size_t c;
     return FindColumn(column, c, error) && GetText(row, c, out, error);
 }
 
-bool GameTable::GetInt(std::size_t row, std::u16string_view column, std::int32_t& out, std::u16string* error) const {
+bool GameTable::GetInt(std::size_t row, std::u16string_view column, std::int32_t& out,
+                       std::u16string* error) const {
     std::size_t c;
     return FindColumn(column, c, error) && GetInt(row, c, out, error);
 }

@@ -23,7 +23,8 @@ void TsCollectFieldsWithoutDefault(std::vector<std::u16string>& names) {
     if constexpr (!std::is_same_v<Agent, CAgentBase>) {
         TsCollectFieldsWithoutDefault<typename Agent::Base>(names);
         for (const TsFieldDecl& f : Agent::Fields())
-            if (f.name && *f.name && f.type != kTsTypeList && f.defaultValue.kind == TsFieldDefault::Kind::None)
+            if (f.name && *f.name && f.type != kTsTypeList &&
+                f.defaultValue.kind == TsFieldDefault::Kind::None)
                 names.emplace_back(f.name);
     }
 }

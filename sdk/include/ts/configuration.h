@@ -45,17 +45,22 @@ public:
     // Reads a settings file over what is already loaded. On failure (a missing file, malformed
     // XML, an unknown element) nothing of the file is kept and `error` names the file and line.
     bool LoadFile(const std::string& path, std::u16string* error = nullptr);
-    bool LoadText(std::string_view xml, std::u16string_view origin, std::u16string* error = nullptr);
+    bool LoadText(std::string_view xml, std::u16string_view origin,
+                  std::u16string* error = nullptr);
 
     bool Has(std::u16string_view group, std::u16string_view key) const;
     // Each read fails, leaving `out` as it was, when the value is missing or is not of the kind
     // asked for; `error` then says which.
-    bool GetBool(std::u16string_view group, std::u16string_view key, bool& out, std::u16string* error = nullptr) const;
-    bool GetInt(std::u16string_view group, std::u16string_view key, std::int32_t& out, std::u16string* error = nullptr) const;
-    bool GetFloat(std::u16string_view group, std::u16string_view key, float& out, std::u16string* error = nullptr) const;
+    bool GetBool(std::u16string_view group, std::u16string_view key, bool& out,
+                 std::u16string* error = nullptr) const;
+    bool GetInt(std::u16string_view group, std::u16string_view key, std::int32_t& out,
+                std::u16string* error = nullptr) const;
+    bool GetFloat(std::u16string_view group, std::u16string_view key, float& out,
+                  std::u16string* error = nullptr) const;
     bool GetString(std::u16string_view group, std::u16string_view key, std::u16string& out,
                    std::u16string* error = nullptr) const;
-    bool GetColour(std::u16string_view group, std::u16string_view key, TsColour& out, std::u16string* error = nullptr) const;
+    bool GetColour(std::u16string_view group, std::u16string_view key, TsColour& out,
+                   std::u16string* error = nullptr) const;
 
     // The entries of a menu section ("DialogEditorMenus"), or null when there is none.
     const std::vector<MenuEntry>* Menus(std::u16string_view section) const;
@@ -66,7 +71,8 @@ public:
     };
 
 private:
-    const Stored* Find(std::u16string_view group, std::u16string_view key, std::u16string* error) const;
+    const Stored* Find(std::u16string_view group, std::u16string_view key,
+                       std::u16string* error) const;
 
     std::map<std::u16string, Stored> values_;  // key: lower-case "group\nkey"
     std::map<std::u16string, std::vector<MenuEntry>> menus_;
@@ -74,47 +80,47 @@ private:
 
 // The keys of the group "Environment" that the toolset and its plugins read, with their defaults.
 struct EnvironmentSettings {
-#define TS_ENVIRONMENT_KEYS(K)                          \
-    K(Role, String, u"")                                \
-    K(ConfigVersion, Int, 0)                            \
-    K(Win32GameBuildPath, String, u"")                  \
-    K(AlternateWin32GameBuildPath, String, u"")         \
-    K(AlternateGameBuildEnable, Bool, false)            \
-    K(PerforceGameEnable, Bool, false)                  \
-    K(PerforceGameUserEnable, Bool, false)              \
-    K(PerforceGameUseDefault, Bool, false)              \
-    K(PerforceGameClientSpec, String, u"")              \
-    K(XBox360GameBuildPath, String, u"")                \
-    K(XBox360IHaveOne, Bool, false)                     \
-    K(XBox360AutoCopy, Int, 0)                          \
-    K(PS3GameBuildPath, String, u"")                    \
-    K(PS3IHaveOne, Bool, false)                         \
-    K(ArtSourcePath, String, u"")                       \
-    K(PerforceArtSourceEnable, Bool, false)             \
-    K(PerforceArtSourceUseArtDefault, Bool, false)      \
-    K(PerforceArtSourceUseDefault, Bool, false)         \
-    K(PerforceArtSourceClientSpec, String, u"")         \
-    K(MaxPath, String, u"")                             \
-    K(PhotoshopPath, String, u"")                       \
-    K(ZBrushPath, String, u"")                          \
-    K(FaceFXStudioPath, String, u"")                    \
-    K(FMODPath, String, u"")                            \
-    K(UseDefaultDatabase, Bool, true)                   \
-    K(DatabaseConnection, String, u"")                  \
-    K(UseDefaultResourceDatabase, Bool, true)           \
-    K(ResourceDatabaseConnection, String, u"")          \
-    K(PrototypePath, String, u"")                       \
-    K(ViewerMachine, String, u"")                       \
-    K(ArtDevEnable, Bool, false)                        \
-    K(ArtDevOverrideDirectory, Bool, false)             \
-    K(ArtDevDirectory, String, u"")                     \
-    K(DefaultDatabaseConnection, String, u"")           \
-    K(DefaultResourceDatabaseConnection, String, u"")   \
-    K(DefaultP4Port, String, u"")                       \
-    K(DefaultP4UpdateClient, String, u"")               \
-    K(ResourcePostIntermediate, Bool, false)            \
-    K(UpdateIntermediate, Bool, false)                  \
-    K(ResourceBuildPerforceEnable, Bool, true)          \
+#define TS_ENVIRONMENT_KEYS(K)                        \
+    K(Role, String, u"")                              \
+    K(ConfigVersion, Int, 0)                          \
+    K(Win32GameBuildPath, String, u"")                \
+    K(AlternateWin32GameBuildPath, String, u"")       \
+    K(AlternateGameBuildEnable, Bool, false)          \
+    K(PerforceGameEnable, Bool, false)                \
+    K(PerforceGameUserEnable, Bool, false)            \
+    K(PerforceGameUseDefault, Bool, false)            \
+    K(PerforceGameClientSpec, String, u"")            \
+    K(XBox360GameBuildPath, String, u"")              \
+    K(XBox360IHaveOne, Bool, false)                   \
+    K(XBox360AutoCopy, Int, 0)                        \
+    K(PS3GameBuildPath, String, u"")                  \
+    K(PS3IHaveOne, Bool, false)                       \
+    K(ArtSourcePath, String, u"")                     \
+    K(PerforceArtSourceEnable, Bool, false)           \
+    K(PerforceArtSourceUseArtDefault, Bool, false)    \
+    K(PerforceArtSourceUseDefault, Bool, false)       \
+    K(PerforceArtSourceClientSpec, String, u"")       \
+    K(MaxPath, String, u"")                           \
+    K(PhotoshopPath, String, u"")                     \
+    K(ZBrushPath, String, u"")                        \
+    K(FaceFXStudioPath, String, u"")                  \
+    K(FMODPath, String, u"")                          \
+    K(UseDefaultDatabase, Bool, true)                 \
+    K(DatabaseConnection, String, u"")                \
+    K(UseDefaultResourceDatabase, Bool, true)         \
+    K(ResourceDatabaseConnection, String, u"")        \
+    K(PrototypePath, String, u"")                     \
+    K(ViewerMachine, String, u"")                     \
+    K(ArtDevEnable, Bool, false)                      \
+    K(ArtDevOverrideDirectory, Bool, false)           \
+    K(ArtDevDirectory, String, u"")                   \
+    K(DefaultDatabaseConnection, String, u"")         \
+    K(DefaultResourceDatabaseConnection, String, u"") \
+    K(DefaultP4Port, String, u"")                     \
+    K(DefaultP4UpdateClient, String, u"")             \
+    K(ResourcePostIntermediate, Bool, false)          \
+    K(UpdateIntermediate, Bool, false)                \
+    K(ResourceBuildPerforceEnable, Bool, true)        \
     K(ResourceBuildPath, String, u"")
 
 #define TS_ENVIRONMENT_TYPE_String std::u16string

@@ -20,8 +20,10 @@ public:
     // an optional byte-order mark). The header names the columns (not empty, no two alike without
     // regard to case); each row has as many cells as the header; the first cell of a row is its
     // id, a whole number that no other row has; blank lines are skipped.
-    static bool FromCsv(std::u16string_view name, std::string_view utf8, GameTable& out, std::u16string* error = nullptr);
-    // The table as CSV in the form FromCsv reads: quotes only where a cell needs them, LF line ends.
+    static bool FromCsv(std::u16string_view name, std::string_view utf8, GameTable& out,
+                        std::u16string* error = nullptr);
+    // The table as CSV in the form FromCsv reads: quotes only where a cell needs them, LF line
+    // ends.
     std::string ToCsv() const;
 
     const std::u16string& Name() const { return name_; }
@@ -31,16 +33,21 @@ public:
     std::int32_t RowId(std::size_t row) const { return rowIds_[row]; }
 
     // The column named `name` (ASCII letters compared without regard to case).
-    bool FindColumn(std::u16string_view name, std::size_t& column, std::u16string* error = nullptr) const;
+    bool FindColumn(std::u16string_view name, std::size_t& column,
+                    std::u16string* error = nullptr) const;
     // The row whose id is `id`.
     bool FindRow(std::int32_t id, std::size_t& row, std::u16string* error = nullptr) const;
 
-    bool GetText(std::size_t row, std::size_t column, std::u16string& out, std::u16string* error = nullptr) const;
+    bool GetText(std::size_t row, std::size_t column, std::u16string& out,
+                 std::u16string* error = nullptr) const;
     // A whole number from -2147483648 to 2147483647, with an optional sign; blanks around it are
     // allowed. An empty cell or any other text fails.
-    bool GetInt(std::size_t row, std::size_t column, std::int32_t& out, std::u16string* error = nullptr) const;
-    bool GetText(std::size_t row, std::u16string_view column, std::u16string& out, std::u16string* error = nullptr) const;
-    bool GetInt(std::size_t row, std::u16string_view column, std::int32_t& out, std::u16string* error = nullptr) const;
+    bool GetInt(std::size_t row, std::size_t column, std::int32_t& out,
+                std::u16string* error = nullptr) const;
+    bool GetText(std::size_t row, std::u16string_view column, std::u16string& out,
+                 std::u16string* error = nullptr) const;
+    bool GetInt(std::size_t row, std::u16string_view column, std::int32_t& out,
+                std::u16string* error = nullptr) const;
 
 private:
     bool CheckCell(std::size_t row, std::size_t column, std::u16string* error) const;

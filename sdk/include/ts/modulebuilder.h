@@ -16,7 +16,8 @@
 //   resources/NAME.TYPE.json one resource each, in the exact or the short JSON form
 //   tables/NAME.csv          one lookup table each
 //   strings.csv              ID,StringID,Language,Text: localized strings (optional)
-//   vo_recording_status.csv  ID,StringID,ModuleResRefVersionID,SentForRecordingOn,RequiresReRecording
+//   vo_recording_status.csv
+//   ID,StringID,ModuleResRefVersionID,SentForRecordingOn,RequiresReRecording
 //   localization_status.csv  ID,StringID,ModuleResRefVersionID,ExportedOn,RequiresReTranslation
 // (the first column of every CSV file numbers its rows). Dates are "YYYY-MM-DD" (or with
 // "THH:MM:SS"), flags true or false. The text of every record

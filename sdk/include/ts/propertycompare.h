@@ -11,6 +11,7 @@ namespace ts {
 // (floating-point values bit for bit) and children in the same order. Otherwise `difference`
 // tells where the first difference lies, as a path of names ("Agent/NPCLineList/Agent[3]/Text")
 // and what differs there.
-TS_API bool PropertyTreesEqual(ITsProperty* a, ITsProperty* b, std::u16string* difference = nullptr);
+TS_API bool PropertyTreesEqual(ITsProperty* a, ITsProperty* b,
+                               std::u16string* difference = nullptr);
 
 }  // namespace ts

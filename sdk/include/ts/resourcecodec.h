@@ -49,7 +49,8 @@ TS_API bool EncodeResource(ITsProperty* root, std::vector<std::uint8_t>& bytes,
 // Decodes bytes made by EncodeResource. Any input is safe: a damaged or foreign one fails with a
 // message that says what is wrong and where, and `root` is left empty.
 TS_API bool DecodeResource(std::span<const std::uint8_t> bytes, CTsComPtr<ITsProperty>& root,
-                           std::u16string* error = nullptr, const ResourceDecodeOptions& options = {});
+                           std::u16string* error = nullptr,
+                           const ResourceDecodeOptions& options = {});
 
 // CRC-32 (the IEEE polynomial, as zip and PNG use), continuing from `crc`.
 TS_API std::uint32_t Crc32(std::span<const std::uint8_t> bytes, std::uint32_t crc = 0);

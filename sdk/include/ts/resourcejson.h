@@ -40,16 +40,19 @@ struct ResourceDocument {
 // Reads a document of either form. `name` and `type` of `out` are taken as defaults for a
 // document that leaves them out, and must agree with one that gives them. Errors name the line
 // and column. `schemas` may be empty when only the exact form is expected.
-TS_API bool ReadResourceJson(std::string_view utf8, ResourceDocument& out, std::u16string* error = nullptr,
+TS_API bool ReadResourceJson(std::string_view utf8, ResourceDocument& out,
+                             std::u16string* error = nullptr,
                              const ResourceSchemaLookup& schemas = {});
 
 // Writes the exact form.
-TS_API bool WriteResourceJson(const ResourceDocument& resource, std::string& utf8, std::u16string* error = nullptr);
+TS_API bool WriteResourceJson(const ResourceDocument& resource, std::string& utf8,
+                              std::u16string* error = nullptr);
 
 // Writes the short form where the tree is what its record kinds would make (fields declared as the
 // agents declare them, in their order), and the exact form for any subtree that is not; reading
 // the result back gives the same tree. Without a schema for the type, the whole is exact.
-TS_API bool WriteResourceJsonShort(const ResourceDocument& resource, const ResourceSchemaLookup& schemas,
-                                   std::string& utf8, std::u16string* error = nullptr);
+TS_API bool WriteResourceJsonShort(const ResourceDocument& resource,
+                                   const ResourceSchemaLookup& schemas, std::string& utf8,
+                                   std::u16string* error = nullptr);
 
 }  // namespace ts

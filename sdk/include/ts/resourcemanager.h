@@ -41,17 +41,20 @@ struct ITsResourceManager : IUnknown {
 
     // Reads and decodes a resource; TS_E_DAMAGED when its content cannot be decoded. The resource
     // object (ts/resource.h) names itself "NAME.TYPE" and remembers the version it was read at.
-    virtual HRESULT OpenResource(std::u16string_view name, std::u16string_view type, ITsResource** resource) = 0;
+    virtual HRESULT OpenResource(std::u16string_view name, std::u16string_view type,
+                                 ITsResource** resource) = 0;
     // Stores a new resource with the tree `root`.
-    virtual HRESULT CreateResource(std::u16string_view name, std::u16string_view type, ITsProperty* root,
-                                   ITsResource** resource) = 0;
+    virtual HRESULT CreateResource(std::u16string_view name, std::u16string_view type,
+                                   ITsProperty* root, ITsResource** resource) = 0;
     // Encodes and saves the resource's tree (as an editor last set it); refused when someone else
     // saved it since it was read, or when the resource was not opened through this manager.
     virtual HRESULT SaveResource(ITsResource* resource) = 0;
     virtual HRESULT DeleteResource(std::u16string_view name, std::u16string_view type) = 0;
-    virtual HRESULT GetResourceInfo(std::u16string_view name, std::u16string_view type, ts::ResourceInfo* info) = 0;
+    virtual HRESULT GetResourceInfo(std::u16string_view name, std::u16string_view type,
+                                    ts::ResourceInfo* info) = 0;
     // The resources of a type (all types for an empty one).
-    virtual HRESULT ListResources(std::u16string_view type, std::vector<ts::ResourceInfo>* list) = 0;
+    virtual HRESULT ListResources(std::u16string_view type,
+                                  std::vector<ts::ResourceInfo>* list) = 0;
     virtual HRESULT CheckOutResource(std::u16string_view name, std::u16string_view type) = 0;
     virtual HRESULT CheckInResource(std::u16string_view name, std::u16string_view type) = 0;
     // Writes everything out so that an external tool (VoiceOver) sees the module as it is now.
@@ -62,11 +65,13 @@ struct ITsResourceManager : IUnknown {
     // The string service: keeps a valid id, issues a new one for -1, fails for any other.
     virtual HRESULT ValidateStringId(std::int32_t current, std::int32_t* valid) = 0;
     virtual HRESULT GetString(std::int32_t stringId, std::int32_t language, char16_t** text) = 0;
-    virtual HRESULT SetString(std::int32_t stringId, std::int32_t language, std::u16string_view text) = 0;
+    virtual HRESULT SetString(std::int32_t stringId, std::int32_t language,
+                              std::u16string_view text) = 0;
     // S_FALSE, with the status cleared to "not sent", when the string has no record.
     virtual HRESULT GetVORecordingStatus(std::int32_t stringId, ts::VORecordingStatus* status) = 0;
     virtual HRESULT SetVORecordingStatus(const ts::VORecordingStatus& status) = 0;
-    virtual HRESULT GetLocalizationStatus(std::int32_t stringId, ts::LocalizationStatus* status) = 0;
+    virtual HRESULT GetLocalizationStatus(std::int32_t stringId,
+                                          ts::LocalizationStatus* status) = 0;
     virtual HRESULT SetLocalizationStatus(const ts::LocalizationStatus& status) = 0;
 
     // The message of the last call that failed (newly allocated).
@@ -80,8 +85,8 @@ protected:
 inline constexpr std::u16string_view kTsResourceManagerName = u"ResMan";
 
 // A resource manager over `store`, acting for `user` (check-outs, saves).
-TS_API HRESULT TsCreateResourceManager(std::shared_ptr<ts::ResourceStore> store, std::u16string_view user,
-                                       ITsResourceManager** manager);
+TS_API HRESULT TsCreateResourceManager(std::shared_ptr<ts::ResourceStore> store,
+                                       std::u16string_view user, ITsResourceManager** manager);
 
 namespace ts {
 // The result code for a store outcome.

@@ -49,8 +49,8 @@ struct ResourceInfo {
     std::int32_t version = 0;
     std::u16string checkedOutBy;  // empty when nobody has it checked out
     bool locked = false;
-    std::int64_t size = 0;        // bytes of encoded content
-    double modifiedOn = 0;        // a date-time value: days since 30 December 1899, UTC
+    std::int64_t size = 0;  // bytes of encoded content
+    double modifiedOn = 0;  // a date-time value: days since 30 December 1899, UTC
     std::u16string modifiedBy;
 };
 
@@ -92,39 +92,51 @@ public:
 
     // Resources. Names are compared without regard to ASCII case, as the toolset's names are.
     virtual StoreResult CreateResource(std::u16string_view name, std::u16string_view type,
-                                       std::span<const std::uint8_t> content, std::u16string_view user) = 0;
+                                       std::span<const std::uint8_t> content,
+                                       std::u16string_view user) = 0;
     virtual StoreResult ReadResource(std::u16string_view name, std::u16string_view type,
-                                     std::vector<std::uint8_t>& content, ResourceInfo* info = nullptr) = 0;
+                                     std::vector<std::uint8_t>& content,
+                                     ResourceInfo* info = nullptr) = 0;
     // Replaces the content whole or not at all; the version goes up by one. With a version other
     // than kAnyVersion, the save is refused when the stored version differs (someone else saved).
     // Refused while the resource is locked or checked out by another user.
     virtual StoreResult SaveResource(std::u16string_view name, std::u16string_view type,
-                                     std::span<const std::uint8_t> content, std::int32_t expectedVersion,
-                                     std::u16string_view user) = 0;
-    virtual StoreResult DeleteResource(std::u16string_view name, std::u16string_view type, std::u16string_view user) = 0;
-    virtual StoreResult GetResourceInfo(std::u16string_view name, std::u16string_view type, ResourceInfo& info) = 0;
+                                     std::span<const std::uint8_t> content,
+                                     std::int32_t expectedVersion, std::u16string_view user) = 0;
+    virtual StoreResult DeleteResource(std::u16string_view name, std::u16string_view type,
+                                       std::u16string_view user) = 0;
+    virtual StoreResult GetResourceInfo(std::u16string_view name, std::u16string_view type,
+                                        ResourceInfo& info) = 0;
     // The resources of one type, or of every type when `type` is empty; by type, then name.
-    virtual StoreResult ListResources(std::u16string_view type, std::vector<ResourceInfo>& list) = 0;
+    virtual StoreResult ListResources(std::u16string_view type,
+                                      std::vector<ResourceInfo>& list) = 0;
     // Check-out marks a resource as being edited by `user`; others cannot save or check it out
     // until it is checked in. Checking out what one already holds succeeds.
-    virtual StoreResult CheckOut(std::u16string_view name, std::u16string_view type, std::u16string_view user) = 0;
-    virtual StoreResult CheckIn(std::u16string_view name, std::u16string_view type, std::u16string_view user) = 0;
-    virtual StoreResult SetLocked(std::u16string_view name, std::u16string_view type, bool locked) = 0;
+    virtual StoreResult CheckOut(std::u16string_view name, std::u16string_view type,
+                                 std::u16string_view user) = 0;
+    virtual StoreResult CheckIn(std::u16string_view name, std::u16string_view type,
+                                std::u16string_view user) = 0;
+    virtual StoreResult SetLocked(std::u16string_view name, std::u16string_view type,
+                                  bool locked) = 0;
 
     // Strings. An id is valid once the store has issued it (or a string was stored under it).
     // Validating keeps a valid id, issues a new one for -1 and fails for any other.
     virtual StoreResult ValidateStringId(std::int32_t current, std::int32_t& valid) = 0;
-    virtual StoreResult GetString(std::int32_t stringId, std::int32_t language, std::u16string& text) = 0;
+    virtual StoreResult GetString(std::int32_t stringId, std::int32_t language,
+                                  std::u16string& text) = 0;
     // Stores the text, issuing the id when it is new (imported strings carry their ids).
-    virtual StoreResult SetString(std::int32_t stringId, std::int32_t language, std::u16string_view text) = 0;
+    virtual StoreResult SetString(std::int32_t stringId, std::int32_t language,
+                                  std::u16string_view text) = 0;
     virtual StoreResult ListStrings(std::vector<LocalizedString>& list) = 0;
 
     // Status records by string id; NotFound when the string has none.
     virtual StoreResult GetVORecordingStatus(std::int32_t stringId, VORecordingStatus& status) = 0;
     virtual StoreResult SetVORecordingStatus(const VORecordingStatus& status) = 0;
-    virtual StoreResult GetLocalizationStatus(std::int32_t stringId, LocalizationStatus& status) = 0;
+    virtual StoreResult GetLocalizationStatus(std::int32_t stringId,
+                                              LocalizationStatus& status) = 0;
     virtual StoreResult SetLocalizationStatus(const LocalizationStatus& status) = 0;
-    virtual StoreResult CountStatusRecords(std::int64_t& voRecording, std::int64_t& localization) = 0;
+    virtual StoreResult CountStatusRecords(std::int64_t& voRecording,
+                                           std::int64_t& localization) = 0;
 
     // Tables, replaced whole by an import.
     virtual StoreResult ImportTable(const GameTable& table) = 0;
@@ -178,14 +190,15 @@ TS_API std::u16string CurrentUserName();
 TS_API double CurrentDateTime();
 
 struct SqliteStoreOptions {
-    bool create = false;      // make a new module file; fails when the file exists
+    bool create = false;  // make a new module file; fails when the file exists
     bool readOnly = false;
     int busyTimeoutMs = 5000;  // how long to wait for another program that holds the module
-    std::string vfs;          // SQLite file-system layer, for tests that inject faults
+    std::string vfs;           // SQLite file-system layer, for tests that inject faults
 };
 
 // Opens (or creates) a module file. On failure returns null and says why in `result`.
-TS_API std::unique_ptr<ResourceStore> OpenSqliteStore(const std::string& path, const SqliteStoreOptions& options,
+TS_API std::unique_ptr<ResourceStore> OpenSqliteStore(const std::string& path,
+                                                      const SqliteStoreOptions& options,
                                                       StoreResult* result = nullptr);
 
 }  // namespace ts
