@@ -177,7 +177,8 @@ TEST(ConversationTree, DamagedConversationsFailTheBuildWithAMessage) {
     dangling.Start(npc);
     dangling.NpcTo(npc, 0, true);
     EXPECT_FALSE(tree.Build(dangling.Resource(), error));
-    EXPECT_EQ(error, u"PC link refers to source ID [0] which does not exist.  This is a toolset bug.");
+    EXPECT_EQ(error,
+              u"PC link refers to source ID [0] which does not exist.  This is a toolset bug.");
     EXPECT_EQ(tree.Items().Size(), 0u) << "nothing is shown";
 
     ConversationBuilder outOfRange;
@@ -215,10 +216,12 @@ TEST(ConversationTree, ExpandCollapseAndJumpToTarget) {
     items.Select(halt);
     RunExpandCommand(items, ExpandCommand::Collapse);
     EXPECT_FALSE(items.IsExpanded(halt));
-    EXPECT_TRUE(items.IsExpanded(items.GetChild(halt))) << "a plain collapse leaves the branch below";
+    EXPECT_TRUE(items.IsExpanded(items.GetChild(halt)))
+        << "a plain collapse leaves the branch below";
     RunExpandCommand(items, ExpandCommand::CollapseAll);
     EXPECT_EQ(items.GetSelection(), root);
-    for (TreeItem i = root; i != kNoItem; i = items.NextInPreOrder(i)) EXPECT_FALSE(items.IsExpanded(i));
+    for (TreeItem i = root; i != kNoItem; i = items.NextInPreOrder(i))
+        EXPECT_FALSE(items.IsExpanded(i));
 
     items.Select(halt);
     EXPECT_FALSE(JumpToTarget(tree)) << "not a link";
@@ -229,6 +232,7 @@ TEST(ConversationTree, ExpandCollapseAndJumpToTarget) {
 }
 
 TEST(ConversationTree, ColoursFollowKindCommentAmbientAndErrors) {
+    dlg::TheDlgEditorSettings() = dlg::DlgEditorSettings();  // the built-in colours
     GuardConversation c;
     c.Line(false, 0).SetAmbient(true);  // "I'm here to trade." and everything below it
     ConversationTree tree;

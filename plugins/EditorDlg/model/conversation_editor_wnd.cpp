@@ -3,12 +3,14 @@
 #include "core/com_error.h"
 #include "core/host_events.h"
 #include "core/string_enum.h"
+#include "model/dlg_editor_settings.h"
+#include "model/known_tags.h"
 #include "model/tree_view_commands.h"
 #include "ts/editorhost.h"
 #include "ts/environment.h"
-#include "ts/hostui.h"
 #include "ts/events.h"
 #include "ts/format.h"
+#include "ts/hostui.h"
 #include "ts/telemetry.h"
 
 namespace {
@@ -25,6 +27,7 @@ CConversationEditorWnd::CConversationEditorWnd(CTsWindowInterface<CConversationE
       parent_(parent),
       owner_(&owner),
       events_(&owner) {
+    dlg::LoadDlgEditorSettings();
     RefreshStateDisplay();
 }
 
@@ -57,6 +60,7 @@ HRESULT CConversationEditorWnd::LoadResource(IUnknown* resource) {
     CTsComPtr<ITsEnvironment> environment;
     if (FAILED(TsGetEnvironment(environment.Put()))) return -1;
     document_.CollectReferences();
+    if (auto tags = dlg::LoadKnownTags()) knownTags_ = std::move(*tags);
     dlg::ItemTree& items = document_.Tree().Items();
     items.Select(items.GetRootItem());
     items.Expand(items.GetRootItem(), true);
@@ -68,18 +72,21 @@ HRESULT CConversationEditorWnd::LoadResource(IUnknown* resource) {
 
 HRESULT CConversationEditorWnd::GetContent(IUnknown* resource) {
     CTsComPtr<ITsResource> host;
-    if (!resource || FAILED(resource->QueryInterface(ITsResource::kIID, host.PutVoid()))) return E_NOTIMPL;
+    if (!resource || FAILED(resource->QueryInterface(ITsResource::kIID, host.PutVoid())))
+        return E_NOTIMPL;
     CAgentConversation written;
     if (!document_.IsLoaded() || !document_.WriteBack(written)) return E_FAIL;
     return host->SetRootProperty(written.GetNode());
 }
 
 HRESULT CConversationEditorWnd::SaveResource(std::uint32_t hostArgument) {
-    if (dlg::ConversationNode* node = document_.Tree().NodeOf(document_.Tree().Items().GetSelection())) {
+    if (dlg::ConversationNode* node =
+            document_.Tree().NodeOf(document_.Tree().Items().GetSelection())) {
         std::u16string text;
         node->Shown().line.GetText(text);
         if (!dlg::TextTagsAreValid(text, knownTags_)) {
-            TsMessageBox(u"Line contains unmatched or malformed tags, please edit", u"", MB_OK | MB_ICONERROR);
+            TsMessageBox(u"Line contains unmatched or malformed tags, please edit", u"",
+                         MB_OK | MB_ICONERROR);
             return E_FAIL;
         }
     }
@@ -96,7 +103,9 @@ HRESULT CConversationEditorWnd::ReportWordCount() {
     return S_OK;
 }
 
-IUnknown* CConversationEditorWnd::Owner() const { return static_cast<ITsEditor*>(owner_); }
+IUnknown* CConversationEditorWnd::Owner() const {
+    return static_cast<ITsEditor*>(owner_);
+}
 
 int CConversationEditorWnd::ToggleSimpleView() {
     simpleView_ = !simpleView_;
@@ -115,9 +124,13 @@ void CConversationEditorWnd::RefreshStateDisplay() {
     SetCaption(std::move(caption));
 }
 
-void CConversationEditorWnd::OnEvent(TsAtom event, std::uint32_t, std::uint32_t, ITsResource*) {
+void CConversationEditorWnd::OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t,
+                                     ITsResource*) {
     if (event == ts::events::Refresh() || event == ts::events::RefreshNoArt()) {
         document_.Refresh();
         RefreshStateDisplay();
+    } else if (event == ts::events::OptionsChange() && param1 == TsFindAtom(kOptionsName)) {
+        dlg::LoadDlgEditorSettings();
+        if (document_.IsLoaded()) document_.Tree().RefreshAllColours();
     }
 }

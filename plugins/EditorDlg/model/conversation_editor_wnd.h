@@ -55,7 +55,8 @@ public:
     HRESULT ReportWordCount();
 
     dlg::ConversationDocument& Document() { return document_; }
-    // The markup tags line text may use; the host's tables fill it.
+    // The markup tags line text may use: read from the module's tag table on each load, or given
+    // by a host without a resource manager.
     void SetKnownTags(dlg::TextTagSet tags) { knownTags_ = std::move(tags); }
     bool SimpleView() const { return simpleView_; }
     // "View.DialogEditor.SimpleView": returns the splitter's pane mode, 0 on and 2 off.

@@ -88,7 +88,8 @@ bool ConversationTree::Build(ITsProperty* resource, std::u16string& error) {
         CTsComPtr<ITsProperty> entry;
         CAgentConversationStart start;
         std::int32_t index = -1;
-        if (!root_.GetStartListItem(i, entry)) return fail(u"The conversation's start list cannot be read.");
+        if (!root_.GetStartListItem(i, entry))
+            return fail(u"The conversation's start list cannot be read.");
         start.Bind(entry.Get());
         start.GetLineIndex(index);
         steps.push_back({rootItem, static_cast<std::uint32_t>(index), true, false, false});
@@ -104,15 +105,17 @@ bool ConversationTree::Build(ITsProperty* resource, std::u16string& error) {
         }
         const char16_t* kind = step.npc ? u"NPC" : u"PC";
         if (!step.link && step.index >= onPath.size())
-            return fail(ts::Format(u"%ls line [%d] does not exist: the conversation is damaged.", kind,
-                                   static_cast<std::int32_t>(step.index)));
+            return fail(ts::Format(u"%ls line [%d] does not exist: the conversation is damaged.",
+                                   kind, static_cast<std::int32_t>(step.index)));
         if (!step.link && onPath[step.index])
-            return fail(ts::Format(u"%ls line [%d] contains itself: the conversation is damaged.", kind,
-                                   static_cast<std::int32_t>(step.index)));
+            return fail(ts::Format(u"%ls line [%d] contains itself: the conversation is damaged.",
+                                   kind, static_cast<std::int32_t>(step.index)));
 
         ConversationNode* node = InsertLine(step.parent, step.index, step.npc, step.link, npcTable,
                                             playerTable, pendingLinks);
-        if (!node) return fail(ts::Format(u"%ls line [%d] cannot be read.", kind, static_cast<std::int32_t>(step.index)));
+        if (!node)
+            return fail(ts::Format(u"%ls line [%d] cannot be read.", kind,
+                                   static_cast<std::int32_t>(step.index)));
         if (step.link) continue;
 
         onPath[step.index] = true;
@@ -129,16 +132,19 @@ bool ConversationTree::Build(ITsProperty* resource, std::u16string& error) {
             std::int32_t index = -1;
             transition.GetIsLink(isLink);
             transition.GetLineIndex(index);
-            steps.push_back({node->treeItem, static_cast<std::uint32_t>(index), !step.npc, isLink, false});
+            steps.push_back(
+                {node->treeItem, static_cast<std::uint32_t>(index), !step.npc, isLink, false});
         }
     }
 
     for (ConversationNode* link : pendingLinks) {
         auto& table = link->isNPC ? npcTable : playerTable;
-        ConversationNode* target = link->lineIndex < table.size() ? table[link->lineIndex] : nullptr;
+        ConversationNode* target =
+            link->lineIndex < table.size() ? table[link->lineIndex] : nullptr;
         if (!target)
-            return fail(ts::Format(u"%ls link refers to source ID [%d] which does not exist.  This is a toolset bug.",
-                                   link->isNPC ? u"NPC" : u"PC", static_cast<std::int32_t>(link->lineIndex)));
+            return fail(ts::Format(
+                u"%ls link refers to source ID [%d] which does not exist.  This is a toolset bug.",
+                link->isNPC ? u"NPC" : u"PC", static_cast<std::int32_t>(link->lineIndex)));
         link->linkTarget = target;
         link->line.Bind(target->line.GetNode());
     }
@@ -149,13 +155,14 @@ bool ConversationTree::Build(ITsProperty* resource, std::u16string& error) {
     return true;
 }
 
-ConversationNode* ConversationTree::InsertLine(TreeItem parent, std::uint32_t index, bool npc, bool link,
-                                               std::vector<ConversationNode*>& npcTable,
+ConversationNode* ConversationTree::InsertLine(TreeItem parent, std::uint32_t index, bool npc,
+                                               bool link, std::vector<ConversationNode*>& npcTable,
                                                std::vector<ConversationNode*>& playerTable,
                                                std::vector<ConversationNode*>& pendingLinks) {
     // A link owns no line: it takes its target's once links are resolved.
     CTsComPtr<ITsProperty> lineNode;
-    bool read = link || (npc ? root_.GetNPCLineListItem(index, lineNode) : root_.GetPlayerLineListItem(index, lineNode));
+    bool read = link || (npc ? root_.GetNPCLineListItem(index, lineNode)
+                             : root_.GetPlayerLineListItem(index, lineNode));
     if (!read) return nullptr;
     auto& table = npc ? npcTable : playerTable;
     // A line with a second full item gets a record of its own, so that each full item writes
@@ -173,8 +180,10 @@ ConversationNode* ConversationTree::InsertLine(TreeItem parent, std::uint32_t in
     node->isLink = link;
     node->line.Bind(lineNode.Get());
     node->treeItem = items_.InsertItem(parent, kInsertLast, std::u16string(), std::move(owned));
-    if (link) pendingLinks.push_back(node);
-    else table[index] = node;
+    if (link)
+        pendingLinks.push_back(node);
+    else
+        table[index] = node;
     return node;
 }
 
@@ -187,7 +196,8 @@ bool ConversationTree::WriteBack(CAgentConversation& target) {
 
     // Pass 1: lines in depth-first order of their full items.
     std::uint32_t npcCount = 0, playerCount = 0;
-    for (TreeItem item = items_.GetChild(rootItem); item != kNoItem; item = items_.NextInPreOrder(item)) {
+    for (TreeItem item = items_.GetChild(rootItem); item != kNoItem;
+         item = items_.NextInPreOrder(item)) {
         ConversationNode* node = NodeOf(item);
         if (!node) {
             Report(ReportLevel::Assert, kSource, __LINE__, u"Unable to get data from tree node");
@@ -195,13 +205,15 @@ bool ConversationTree::WriteBack(CAgentConversation& target) {
         }
         if (node->isLink) continue;
         if (!EmptyList(node->line, TransitionListAtom())) return false;
-        if (!target.AddItemToPropertyList(node->line.GetNode(), node->isNPC ? NPCLineListAtom() : PlayerLineListAtom()))
+        if (!target.AddItemToPropertyList(node->line.GetNode(),
+                                          node->isNPC ? NPCLineListAtom() : PlayerLineListAtom()))
             return false;
         node->lineIndex = node->isNPC ? npcCount++ : playerCount++;
     }
 
     // Pass 2: links take their target's new index.
-    for (TreeItem item = items_.GetChild(rootItem); item != kNoItem; item = items_.NextInPreOrder(item)) {
+    for (TreeItem item = items_.GetChild(rootItem); item != kNoItem;
+         item = items_.NextInPreOrder(item)) {
         ConversationNode* node = NodeOf(item);
         if (node && node->isLink && node->linkTarget) node->lineIndex = node->linkTarget->lineIndex;
     }
@@ -224,13 +236,16 @@ bool ConversationTree::WriteBack(CAgentConversation& target) {
             CTsComPtr<ITsProperty> entry;
             auto index = static_cast<std::int32_t>(child->lineIndex);
             if (!node) {
-                if (FAILED(startPrototype.GetNode()->Clone(kTsCloneDeep, entry.Put()))) return false;
+                if (FAILED(startPrototype.GetNode()->Clone(kTsCloneDeep, entry.Put())))
+                    return false;
                 CAgentConversationStart start;
                 start.Bind(entry.Get());
-                if (!start.SetLineIndex(index) || !target.AddItemToPropertyList(entry.Get(), StartListAtom()))
+                if (!start.SetLineIndex(index) ||
+                    !target.AddItemToPropertyList(entry.Get(), StartListAtom()))
                     return false;
             } else {
-                if (FAILED(transitionPrototype.GetNode()->Clone(kTsCloneDeep, entry.Put()))) return false;
+                if (FAILED(transitionPrototype.GetNode()->Clone(kTsCloneDeep, entry.Put())))
+                    return false;
                 CAgentConversationTransition transition;
                 transition.Bind(entry.Get());
                 if (!transition.SetIsLink(child->isLink) || !transition.SetLineIndex(index) ||
@@ -247,7 +262,8 @@ void ConversationTree::Renumber() {
     TreeItem rootItem = RootItem();
     if (rootItem == kNoItem) return;
     byTreeIndex_.push_back(nullptr);
-    for (TreeItem item = items_.GetChild(rootItem); item != kNoItem; item = items_.NextInPreOrder(item)) {
+    for (TreeItem item = items_.GetChild(rootItem); item != kNoItem;
+         item = items_.NextInPreOrder(item)) {
         ConversationNode* node = NodeOf(item);
         if (node) node->TreeIndex = static_cast<std::int32_t>(byTreeIndex_.size());
         byTreeIndex_.push_back(node);
@@ -282,7 +298,8 @@ std::u16string ConversationTree::LabelOf(ConversationNode& node) const {
         shown.line.GetComment(comment);
         if (speaker.empty()) root_.GetDefaultNPCSpeaker(owner);
     }
-    Label label = MakeLabel({shown.isNPC, text, speaker, comment, owner, items_.HasChildren(shown.treeItem)});
+    Label label =
+        MakeLabel({shown.isNPC, text, speaker, comment, owner, items_.HasChildren(shown.treeItem)});
     node.isComment = label.isComment;
     return label.text;
 }
@@ -295,7 +312,7 @@ void ConversationTree::RefreshColours(TreeItem item) {
         return;
     }
     const ConversationNode& shown = node->Shown();
-    SettingsColour text = node->isLink ? s.LinkColor
+    SettingsColour text = node->isLink  ? s.LinkColor
                           : node->isNPC ? (node->isComment ? s.NPCCommentColor : s.NPCColor)
                                         : s.PCColor;
     std::uint32_t back = kNoColour;
@@ -309,9 +326,15 @@ void ConversationTree::RefreshItem(TreeItem item) {
     RefreshColours(item);
 }
 
+void ConversationTree::RefreshAllColours() {
+    for (TreeItem item = RootItem(); item != kNoItem; item = items_.NextInPreOrder(item))
+        RefreshColours(item);
+}
+
 void ConversationTree::RefreshSubtree(TreeItem from) {
     TreeItem end = SubtreeEnd(from);
-    for (TreeItem item = from; item != kNoItem && item != end; item = items_.NextInPreOrder(item)) RefreshItem(item);
+    for (TreeItem item = from; item != kNoItem && item != end; item = items_.NextInPreOrder(item))
+        RefreshItem(item);
 }
 
 }  // namespace dlg

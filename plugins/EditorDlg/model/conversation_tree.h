@@ -48,6 +48,8 @@ public:
     void RefreshItem(TreeItem item);
     void RefreshSubtree(TreeItem item);
     void RefreshAll() { RefreshSubtree(RootItem()); }
+    // Colours alone, of the whole tree, after the settings changed.
+    void RefreshAllColours();
 
     // Effective ambient flags, top-down from an item.
     void UpdateAmbient(TreeItem item);

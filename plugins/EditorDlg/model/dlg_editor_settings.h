@@ -43,4 +43,13 @@ struct DlgEditorSettings {
 // The process-wide record that every editor window reads.
 DlgEditorSettings& TheDlgEditorSettings();
 
+// Fills the record from the configuration store's group "Common\DlgEditor", key by key in the
+// record's order; a key the store lacks keeps the field's current value. The editor only reads
+// the store: the toolset's options edit it.
+void LoadDlgEditorSettings();
+
+// The revision-control folder of the FaceFX actor files, read once when first needed (while it is
+// still empty) and kept for the life of the plugin, whatever the options say later.
+const std::u16string& FaceFXActorFolder();
+
 }  // namespace dlg

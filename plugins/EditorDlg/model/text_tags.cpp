@@ -6,7 +6,9 @@
 
 namespace dlg {
 
-void TextTagSet::Add(std::u16string_view name, bool paired) { tags_[ts::AsciiLower(name)] = paired; }
+void TextTagSet::Add(std::u16string_view name, bool paired) {
+    tags_[ts::AsciiLower(name)] = paired;
+}
 
 const bool* TextTagSet::Find(std::u16string_view name) const {
     auto it = tags_.find(ts::AsciiLower(name));
@@ -15,7 +17,9 @@ const bool* TextTagSet::Find(std::u16string_view name) const {
 
 namespace {
 
-bool IsSpace(char16_t c) { return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n'; }
+bool IsSpace(char16_t c) {
+    return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n';
+}
 
 std::u16string_view Trim(std::u16string_view s) {
     while (!s.empty() && IsSpace(s.front())) s.remove_prefix(1);
@@ -42,7 +46,9 @@ Tag ParseTag(std::u16string_view inside) {
         inside = Trim(inside.substr(0, inside.size() - 1));
     }
     std::size_t end = 0;
-    while (end < inside.size() && !IsSpace(inside[end]) && inside[end] != u'=' && inside[end] != u'/') ++end;
+    while (end < inside.size() && !IsSpace(inside[end]) && inside[end] != u'=' &&
+           inside[end] != u'/')
+        ++end;
     tag.name = inside.substr(0, end);
     return tag;
 }
@@ -59,6 +65,9 @@ TagCheck CheckTextTags(std::u16string_view text, const TextTagSet& known) {
         tags.push_back(text.substr(i + 1, close - i - 1));
         i = close;
     }
+
+    // Without the game's tag table nothing is known of the tags; the scan above is all we can do.
+    if (known.Empty()) return TagCheck::Ok;
 
     std::vector<std::u16string> open;
     for (auto inside : tags) {

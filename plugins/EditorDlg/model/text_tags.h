@@ -27,7 +27,8 @@ enum class TagCheck {
 };
 
 // Scans the text left to right for malformed markup, then checks each tag against the known set
-// with open and close tags paired. "<b/>" is an unpaired use of a tag.
+// with open and close tags paired. "<b/>" is an unpaired use of a tag. With an empty set (the
+// module has no tag table) only the scan is made.
 TagCheck CheckTextTags(std::u16string_view text, const TextTagSet& known);
 
 inline bool TextTagsAreValid(std::u16string_view text, const TextTagSet& known) {

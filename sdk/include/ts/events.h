@@ -34,6 +34,9 @@ namespace ts::events {
 TS_HOST_EVENT_NAMES(TS_DEFINE_EVENT_ATOM)
 #undef TS_DEFINE_EVENT_ATOM
 
+// "OptionsChange" carries in its first parameter the atom of the options section whose values
+// changed ("DlgEditor" for the conversation editor's).
+
 // Flags of the events a plugin sends to the host.
 inline constexpr std::uint32_t kNotice = 1;  // "UserInteraction", "SearchResult"
 inline constexpr std::uint32_t kError = 4;   // "Error": a resource could not be opened
