@@ -5,12 +5,12 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
-#include <filesystem>
 #include <map>
 
 #include "core/window_interface.h"
 #include "model/conversation_editor_wnd.h"
 #include "support/conversation_generator.h"
+#include "support/tree_size.h"
 #include "ts/resourcecodec.h"
 #include "ts/resourcemanager.h"
 
@@ -23,12 +23,8 @@ ITsResourceManager& Module(int lines) {
     static std::map<int, CTsComPtr<ITsResourceManager>> modules;
     auto& manager = modules[lines];
     if (!manager) {
-        auto path = std::filesystem::temp_directory_path() /
-                    ("bench_editor_" + std::to_string(lines) + ".tsmod");
-        for (const char* suffix : {"", "-wal", "-shm"})
-            std::filesystem::remove(path.string() + suffix);
-        std::shared_ptr<ts::ResourceStore> store =
-            ts::OpenSqliteStore(path.string(), {.create = true});
+        std::string path = ts::bench::FreshModulePath("bench_editor_" + std::to_string(lines));
+        std::shared_ptr<ts::ResourceStore> store = ts::OpenSqliteStore(path, {.create = true});
         std::vector<std::uint8_t> bytes;
         ts::EncodeResource(ts::bench::GenerateConversation(lines).Get(), bytes);
         store->CreateResource(u"generated", u"dlg", bytes, u"bench");
@@ -42,15 +38,6 @@ CTsComPtr<EditorObject> NewEditor() {
     editor->CreateUIWindow(nullptr);
     editor->Attach(1, u"generated.dlg", 0);
     return editor;
-}
-
-std::size_t CountNodes(ITsProperty* node) {
-    std::size_t n = 1;
-    ITsProperty* const* children = nullptr;
-    std::uint32_t count = 0;
-    if (node->GetType() == kTsTypeList && SUCCEEDED(node->GetChildArray(&children, &count)))
-        for (std::uint32_t i = 0; i < count; ++i) n += CountNodes(children[i]);
-    return n;
 }
 
 // What an open conversation holds per line: the decoded resource (its 40-byte nodes come from
@@ -75,7 +62,9 @@ double OpenBytesPerLine(int lines) {
     std::size_t heap = mallinfo2().uordblks - before;
     CTsComPtr<ITsProperty> root;
     resource->GetRootProperty(root.Put());
-    double perLine = static_cast<double>(heap + CountNodes(root.Get()) * 40) / lines;
+    double perLine =
+        static_cast<double>(heap + ts::bench::CountNodes(root.Get()) * ts::bench::kNodeBytes) /
+        lines;
     editor->CloseUIWindow();
     return perLine;
 }

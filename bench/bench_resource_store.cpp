@@ -3,10 +3,10 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
-#include <filesystem>
 #include <map>
 
 #include "support/conversation_generator.h"
+#include "support/tree_size.h"
 #include "ts/resourcecodec.h"
 #include "ts/resourcestore.h"
 
@@ -44,15 +44,6 @@ void BM_Encode(benchmark::State& state) {
     Figures(state, lines, bytes.size());
 }
 
-std::size_t CountNodes(ITsProperty* node) {
-    std::size_t n = 1;
-    ITsProperty* const* children = nullptr;
-    std::uint32_t count = 0;
-    if (node->GetType() == kTsTypeList && SUCCEEDED(node->GetChildArray(&children, &count)))
-        for (std::uint32_t i = 0; i < count; ++i) n += CountNodes(children[i]);
-    return n;
-}
-
 // The memory a decoded tree holds: its nodes (40-byte blocks carved from slabs) and what they
 // allocate besides (texts, child arrays). A first decode fills the slabs' free lists, so that the
 // measured one allocates only the latter from the heap.
@@ -64,7 +55,8 @@ double TreeBytesPerLine(int lines) {
     std::size_t before = mallinfo2().uordblks;
     ts::DecodeResource(bytes, root);
     std::size_t heap = mallinfo2().uordblks - before;
-    return static_cast<double>(heap + CountNodes(root.Get()) * 40) / lines;
+    return static_cast<double>(heap + ts::bench::CountNodes(root.Get()) * ts::bench::kNodeBytes) /
+           lines;
 }
 
 void BM_Decode(benchmark::State& state) {
@@ -88,11 +80,8 @@ ts::ResourceStore& Store(int lines) {
     static std::map<int, std::unique_ptr<ts::ResourceStore>> stores;
     auto& store = stores[lines];
     if (!store) {
-        auto path = std::filesystem::temp_directory_path() /
-                    ("bench_store_" + std::to_string(lines) + ".tsmod");
-        for (const char* suffix : {"", "-wal", "-shm"})
-            std::filesystem::remove(path.string() + suffix);
-        store = ts::OpenSqliteStore(path.string(), {.create = true});
+        std::string path = ts::bench::FreshModulePath("bench_store_" + std::to_string(lines));
+        store = ts::OpenSqliteStore(path, {.create = true});
         store->CreateResource(u"generated", u"dlg", Encoded(lines), u"bench");
     }
     return *store;

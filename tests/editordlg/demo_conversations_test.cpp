@@ -5,17 +5,15 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "agents/resourceschemas.h"
 #include "core/window_interface.h"
 #include "model/conversation_editor_wnd.h"
 #include "model/dlg_editor_settings.h"
+#include "support/demo_module.h"
 #include "support/scripted_ui.h"
 #include "support/test_folders.h"
-#include "ts/configuration.h"
 #include "ts/editorhost.h"
 #include "ts/hostcomponents.h"
 #include "ts/hoststring.h"
-#include "ts/modulebuilder.h"
 #include "ts/propertycompare.h"
 #include "ts/resourcemanager.h"
 #include "ts/text.h"
@@ -32,15 +30,7 @@ class DemoConversations : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         folder_ = new std::string(ts::test::MakeTempFolder("ts-demo-dlg"));
-        ts::ModuleBuildOptions options;
-        options.schemas = ts::ResourceSchemas();
-        options.user = u"demo";
-        ts::ModuleBuildSummary summary;
-        std::vector<std::u16string> problems;
-        bool built = ts::BuildModule(ts::ApplicationDataFolder() + "/demo",
-                                     *folder_ + "/demo.tsmod", options, summary, problems);
-        for (const auto& p : problems) ADD_FAILURE() << U8(p);
-        ASSERT_TRUE(built);
+        ASSERT_TRUE(ts::test::BuildDemoModule(*folder_ + "/demo.tsmod"));
     }
     static void TearDownTestSuite() {
         std::filesystem::remove_all(*folder_);

@@ -8,6 +8,7 @@
 #include "agents/agentplot.h"
 #include "agents/agentstage.h"
 #include "agents/resourceschemas.h"
+#include "support/demo_module.h"
 #include "support/test_folders.h"
 #include "ts/configuration.h"
 #include "ts/modulebuilder.h"
@@ -29,15 +30,7 @@ class DemoModule : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         folder_ = new std::string(ts::test::MakeTempFolder("ts-demo"));
-        ts::ModuleBuildOptions options;
-        options.schemas = ts::ResourceSchemas();
-        options.user = u"demo";
-        ts::ModuleBuildSummary summary;
-        std::vector<std::u16string> problems;
-        bool built = ts::BuildModule(ts::ApplicationDataFolder() + "/demo", Path(), options,
-                                     summary, problems);
-        for (const auto& p : problems) ADD_FAILURE() << U8(p);
-        ASSERT_TRUE(built);
+        ASSERT_TRUE(ts::test::BuildDemoModule(Path()));
     }
     static void TearDownTestSuite() {
         std::filesystem::remove_all(*folder_);
