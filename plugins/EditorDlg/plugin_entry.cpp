@@ -6,6 +6,7 @@
 #include "model/conversation_line_preview_wnd.h"
 #include "model/plugin_events.h"
 #include "ts/plugin.h"
+#include "views/conversation_editor_view.h"
 
 namespace {
 
@@ -17,6 +18,9 @@ TsObjectMapEntry gObjectMap[] = {
 
 // Initialised when the library is loaded; at unload it releases the cached class factories.
 CTsModule gModule(gObjectMap);
+
+// Editor windows show themselves through the Qt views when the host runs a widget application.
+[[maybe_unused]] const bool gViewsInstalled = (dlg::InstallQtEditorView(), true);
 
 }  // namespace
 

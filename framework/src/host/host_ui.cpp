@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ts/format.h"
+#include "ts/hoststring.h"
 #include "ts/hostui.h"
 #include "ts/report.h"
 #include "ts/text.h"
@@ -80,7 +81,27 @@ int TsMessageBox(std::u16string_view text, std::u16string_view caption, std::uin
     return ts::DefaultMessageBoxAnswer(style);
 }
 
+HRESULT TsResourceOpenDlg(std::u16string_view title, std::u16string_view filter,
+                          char16_t** chosen) {
+    if (!chosen) return E_POINTER;
+    *chosen = nullptr;
+    std::u16string name;
+    ts::HostUi* ui = Installed().load();
+    if (!ui || !ui->PickResource(title, filter, name) || name.empty()) return S_FALSE;
+    *chosen = TsAllocString(name);
+    return *chosen ? S_OK : E_OUTOFMEMORY;
+}
+
+void TsLogWindowOutput(std::u16string_view text) {
+    if (ts::HostUi* ui = Installed().load()) return ui->LogOutput(text);
+    Report(ReportLevel::Info, "hostui", __LINE__, text);
+}
+
 namespace ts {
+
+void HostUi::LogOutput(std::u16string_view text) {
+    Report(ReportLevel::Info, "hostui", __LINE__, text);
+}
 
 HostUi* SetHostUi(HostUi* ui) {
     return Installed().exchange(ui);

@@ -1,5 +1,6 @@
 #include "model/command_table.h"
 
+#include "ts/comptr.h"
 #include "ts/report.h"
 
 namespace dlg {
@@ -148,6 +149,14 @@ const std::vector<EditorCommand>& ConversationEditorCommands() {
         {40013, u"Edit.Delete"},
     };
     return commands;
+}
+
+std::vector<MenuEntry> ReadMenuDescription(std::u16string_view section) {
+    std::vector<MenuEntry> entries;
+    CTsComPtr<ITsConfiguration> configuration;
+    if (SUCCEEDED(TsGetConfiguration(configuration.Put())))
+        configuration->GetMenus(std::u16string(section) + u"Menus", &entries);
+    return entries;
 }
 
 std::vector<CommandRecord*> BuildConversationEditorCommands(CommandTable& table,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ts/atoms.h"
+#include "ts/configuration.h"
 
 namespace dlg {
 
@@ -24,13 +25,8 @@ struct CommandRecord {
 };
 
 // An entry of a menu description: a "Popup" with its caption and entries, a "Separator", or a
-// command name.
-struct MenuEntry {
-    enum class Kind { Popup, Separator, Command };
-    Kind kind = Kind::Command;
-    std::u16string text;  // caption or command name
-    std::vector<MenuEntry> entries;
-};
+// command name, as the host's configuration holds it.
+using MenuEntry = ts::MenuEntry;
 
 // The editor's commands: each name tied to its id and, for menus, to its place in a menu tree.
 // Indexed by id and by atom.
@@ -68,6 +64,13 @@ struct EditorCommand {
     const char16_t* name;
 };
 const std::vector<EditorCommand>& ConversationEditorCommands();
+
+// The menu description of a section ("DialogEditor"), read from the host's configuration under
+// the section's name followed by "Menus"; empty when the host has none.
+std::vector<MenuEntry> ReadMenuDescription(std::u16string_view section);
+
+// The section whose menus the conversation editor builds.
+inline constexpr std::u16string_view kConversationEditorMenus = u"DialogEditor";
 
 // Clears the table, adds every editor command, then the menus of the description.
 std::vector<CommandRecord*> BuildConversationEditorCommands(CommandTable& table,

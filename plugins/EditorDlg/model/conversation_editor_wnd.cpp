@@ -4,6 +4,7 @@
 #include "core/host_events.h"
 #include "core/string_enum.h"
 #include "model/dlg_editor_settings.h"
+#include "model/editor_commands.h"
 #include "model/known_tags.h"
 #include "model/tree_view_commands.h"
 #include "ts/editorhost.h"
@@ -28,7 +29,27 @@ CConversationEditorWnd::CConversationEditorWnd(CTsWindowInterface<CConversationE
       owner_(&owner),
       events_(&owner) {
     dlg::LoadDlgEditorSettings();
+    menus_ = dlg::BuildConversationEditorCommands(
+        commands_, dlg::ReadMenuDescription(dlg::kConversationEditorMenus));
+    view_ = dlg::MakeEditorView(document_.Tree().Items(), parent);
     RefreshStateDisplay();
+}
+
+std::vector<TsCommandItem> CConversationEditorWnd::CommandList() const {
+    return dlg::CommandItems(commands_);
+}
+
+std::vector<TsCommandItem> CConversationEditorWnd::MenuList() const { return dlg::MenuItems(menus_); }
+
+bool CConversationEditorWnd::CommandState(std::uint32_t id, std::uint32_t& state) {
+    if (!commands_.FindById(id)) return false;
+    state = dlg::CommandStateOf(*this, id);
+    return true;
+}
+
+HRESULT CConversationEditorWnd::ExecuteCommand(std::uint32_t id) {
+    if (!commands_.FindById(id)) return E_INVALIDARG;
+    return dlg::RunCommand(*this, id) ? S_OK : S_FALSE;
 }
 
 HRESULT CConversationEditorWnd::EnumerateResourceTypes(std::int32_t which, ITsStringEnum** types) {
@@ -109,7 +130,9 @@ IUnknown* CConversationEditorWnd::Owner() const {
 
 int CConversationEditorWnd::ToggleSimpleView() {
     simpleView_ = !simpleView_;
-    return simpleView_ ? 0 : 2;
+    int mode = simpleView_ ? 0 : 2;
+    if (view_) view_->SetPaneMode(mode);
+    return mode;
 }
 
 void CConversationEditorWnd::SendWordCount(std::int32_t count) {

@@ -10,11 +10,14 @@
 #include "core/frame_wnd.h"
 #include "core/layout_support.h"
 #include "core/window_interface.h"
+#include "model/command_table.h"
 #include "model/conversation_document.h"
+#include "model/editor_view.h"
 #include "model/text_tags.h"
 #include "ts/guid.h"
 #include "ts/resource.h"
 #include "ts/stringenum.h"
+#include "ts/uicommandsource.h"
 #include "ts/uiwindow.h"
 
 // The conversation editor's window: the editor state the host reads and writes, the command
@@ -66,6 +69,17 @@ public:
     // when the host can't record it.
     void SendWordCount(std::int32_t count);
 
+    // ITsUICommandSource: the command table (built once, with the menus of "DialogEditor"), the
+    // state of a command on the selection, and running one by id.
+    const dlg::CommandTable& Commands() const { return commands_; }
+    std::vector<TsCommandItem> CommandList() const;
+    std::vector<TsCommandItem> MenuList() const;
+    bool CommandState(std::uint32_t id, std::uint32_t& state);
+    HRESULT ExecuteCommand(std::uint32_t id);
+
+    // The window's view, when the host gave it a frame to show it in.
+    dlg::EditorView* View() const { return view_.get(); }
+
     std::u16string OptionsName() const { return std::u16string(kOptionsName); }
 
     // The caption: the resource's name, "*" while modified, " [Read Only]" when read-only.
@@ -82,5 +96,9 @@ private:
     dlg::ConversationDocument document_;
     dlg::TextTagSet knownTags_;
     bool simpleView_ = false;
+    dlg::CommandTable commands_;
+    std::vector<dlg::CommandRecord*> menus_;
+    // After the document: the view follows its item tree and goes first.
+    std::unique_ptr<dlg::EditorView> view_;
     CTsEventSinkConnection<CTsWindowInterface<CConversationEditorWnd>> events_;
 };

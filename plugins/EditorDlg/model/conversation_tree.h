@@ -54,14 +54,15 @@ public:
     // Effective ambient flags, top-down from an item.
     void UpdateAmbient(TreeItem item);
 
+    // The first item after `item`'s subtree in pre-order.
+    TreeItem SubtreeEnd(TreeItem item) const;
+
 private:
     ConversationNode* InsertLine(TreeItem parent, std::uint32_t index, bool npc, bool link,
                                  std::vector<ConversationNode*>& npcTable,
                                  std::vector<ConversationNode*>& playerTable,
                                  std::vector<ConversationNode*>& pendingLinks);
     void RefreshColours(TreeItem item);
-    // The first item after `item`'s subtree in pre-order.
-    TreeItem SubtreeEnd(TreeItem item) const;
 
     ItemTree items_;
     CAgentConversation root_;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "ts/api.h"
+#include "ts/result.h"
 
 // Message box styles and answers, with the platform's values.
 inline constexpr std::uint32_t MB_OK = 0x0;
@@ -34,15 +35,32 @@ inline constexpr int IDNO = 7;
 // default button is the answer.
 TS_API int TsMessageBox(std::u16string_view text, std::u16string_view caption, std::uint32_t style);
 
+// Lets the user choose a resource of the open module: `title` heads the picker, `filter` names
+// the resource types offered ("nss", or several separated by ';'; empty for all). S_OK with the
+// chosen "NAME.TYPE" newly allocated in `chosen`; S_FALSE when the user cancelled or no host
+// user interface can ask (then `chosen` is null).
+TS_API HRESULT TsResourceOpenDlg(std::u16string_view title, std::u16string_view filter,
+                                 char16_t** chosen);
+
+// A line for the user in the host's log window; without a host user interface it goes to the
+// diagnostic log at level INFO.
+TS_API void TsLogWindowOutput(std::u16string_view text);
+
 namespace ts {
 
 // What a host that can talk to the user provides: a Qt dialog in the desktop app, the terminal
 // in the command-line host, a script in tests.
-class HostUi {
+class TS_API HostUi {
 public:
     virtual ~HostUi() = default;
     virtual int MessageBox(std::u16string_view text, std::u16string_view caption,
                            std::uint32_t style) = 0;
+    // False when the user cancelled; hosts that cannot ask cancel.
+    virtual bool PickResource(std::u16string_view /*title*/, std::u16string_view /*filter*/,
+                              std::u16string& /*chosen*/) {
+        return false;
+    }
+    virtual void LogOutput(std::u16string_view text);
 };
 
 // Installs `ui` (not owned; null removes it) and returns the one it replaces.

@@ -1,0 +1,134 @@
+#include "model/editor_commands.h"
+
+#include "model/conversation_editor_wnd.h"
+#include "model/tree_view_commands.h"
+#include "ts/format.h"
+#include "ts/hostui.h"
+
+namespace dlg {
+
+namespace {
+
+using namespace command_id;
+
+// The expand and collapse commands by id; false for any other id.
+bool ExpandCommandOf(std::uint32_t id, ExpandCommand& command) {
+    switch (id) {
+        case kExpand:
+            command = ExpandCommand::Expand;
+            return true;
+        case kExpandBranch:
+            command = ExpandCommand::ExpandBranch;
+            return true;
+        case kExpandAll:
+            command = ExpandCommand::ExpandAll;
+            return true;
+        case kCollapse:
+            command = ExpandCommand::Collapse;
+            return true;
+        case kCollapseBranch:
+            command = ExpandCommand::CollapseBranch;
+            return true;
+        case kCollapseAll:
+            command = ExpandCommand::CollapseAll;
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool IsEnabled(CConversationEditorWnd& window, std::uint32_t id) {
+    ConversationTree& tree = window.Document().Tree();
+    const ItemTree& items = tree.Items();
+    TreeItem selected = items.GetSelection();
+    bool loaded = window.Document().IsLoaded();
+    switch (id) {
+        case kExpand:
+            return items.HasChildren(selected) && !items.IsExpanded(selected);
+        case kCollapse:
+            return items.HasChildren(selected) && items.IsExpanded(selected);
+        case kExpandBranch:
+        case kCollapseBranch:
+            return items.HasChildren(selected);
+        case kExpandAll:
+        case kCollapseAll:
+            return loaded && items.HasChildren(tree.RootItem());
+        case kSimpleView:
+            return true;
+        case kJumpToTarget: {
+            const ConversationNode* node = tree.NodeOf(selected);
+            return node && node->isLink && node->linkTarget;
+        }
+        case kCountNPCLinesInBranch:
+            return items.IsValid(selected);
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+std::uint32_t CommandStateOf(CConversationEditorWnd& window, std::uint32_t id) {
+    std::uint32_t state = IsEnabled(window, id) ? kTsCommandEnabled : 0;
+    if (id == kSimpleView && window.SimpleView()) state |= kTsCommandChecked;
+    return state;
+}
+
+bool RunCommand(CConversationEditorWnd& window, std::uint32_t id) {
+    if (!IsEnabled(window, id)) return false;
+    ConversationTree& tree = window.Document().Tree();
+    ExpandCommand expand;
+    if (ExpandCommandOf(id, expand)) {
+        RunExpandCommand(tree.Items(), expand);
+        return true;
+    }
+    switch (id) {
+        case kSimpleView:
+            window.ToggleSimpleView();
+            return true;
+        case kJumpToTarget:
+            return JumpToTarget(tree);
+        case kCountNPCLinesInBranch: {
+            std::int32_t count = CountNPCLines(tree, tree.Items().GetSelection());
+            TsMessageBox(count == 1 ? std::u16string(u"This branch holds 1 NPC line.")
+                                    : ts::Format(u"This branch holds %d NPC lines.", count),
+                         window.DisplayName(), MB_OK | MB_ICONINFORMATION);
+            return true;
+        }
+        default:
+            return false;
+    }
+}
+
+std::int32_t CountNPCLines(const ConversationTree& tree, TreeItem item) {
+    const ItemTree& items = tree.Items();
+    if (!items.IsValid(item)) return 0;
+    std::int32_t count = 0;
+    TreeItem end = tree.SubtreeEnd(item);
+    for (TreeItem i = item; i != kNoItem && i != end; i = items.NextInPreOrder(i)) {
+        const ConversationNode* node = tree.NodeOf(i);
+        if (node && node->isNPC && !node->isLink) ++count;
+    }
+    return count;
+}
+
+std::vector<TsCommandItem> CommandItems(const CommandTable& table) {
+    std::vector<TsCommandItem> items;
+    for (const auto& record : table.Records())
+        if (!record->isSubmenu) items.push_back({record->name, record->id, false, {}});
+    return items;
+}
+
+std::vector<TsCommandItem> MenuItems(const std::vector<CommandRecord*>& menus) {
+    std::vector<TsCommandItem> items;
+    for (const CommandRecord* record : menus) {
+        if (!record) {
+            items.emplace_back();  // separator
+            continue;
+        }
+        items.push_back({record->name, record->id, record->isSubmenu, MenuItems(record->children)});
+    }
+    return items;
+}
+
+}  // namespace dlg

@@ -1,0 +1,23 @@
+#include "model/editor_view.h"
+
+#include <utility>
+
+namespace dlg {
+
+namespace {
+EditorViewFactory& Factory() {
+    static EditorViewFactory factory;
+    return factory;
+}
+}  // namespace
+
+EditorViewFactory SetEditorViewFactory(EditorViewFactory factory) {
+    return std::exchange(Factory(), std::move(factory));
+}
+
+std::unique_ptr<EditorView> MakeEditorView(ItemTree& items, TsWindowHandle parent) {
+    if (!parent || !Factory()) return nullptr;
+    return Factory()(items, parent);
+}
+
+}  // namespace dlg

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "model/item_tree.h"
+#include "ts/uiwindow.h"
+
+namespace dlg {
+
+// What the editor window shows on screen. The window is plain C++ and drives its view only
+// through this interface; the Qt side of the plugin registers the factory that makes one, so
+// that the model never includes a widget header and runs without a screen in tests.
+class EditorView {
+public:
+    virtual ~EditorView() = default;
+    // The splitter between the tree and the line panes: 0 shows the tree alone (simple view),
+    // 2 the tree and the panes.
+    virtual void SetPaneMode(int mode) = 0;
+};
+
+// Makes the view of an editor window inside the host's frame `parent`, showing `items`.
+using EditorViewFactory =
+    std::function<std::unique_ptr<EditorView>(ItemTree& items, TsWindowHandle parent)>;
+
+// Installs the factory (an empty one removes it) and returns the one it replaces.
+EditorViewFactory SetEditorViewFactory(EditorViewFactory factory);
+
+// The view for a new window; null when no factory is installed or the host gave no frame (a
+// host without a screen).
+std::unique_ptr<EditorView> MakeEditorView(ItemTree& items, TsWindowHandle parent);
+
+}  // namespace dlg

@@ -1,0 +1,59 @@
+#include "views/conversation_editor_view.h"
+
+#include <QApplication>
+#include <QLayout>
+#include <QTabWidget>
+
+#include "model/conversation_editor_wnd.h"
+
+namespace dlg {
+
+namespace {
+
+// The window owns its view, and the host's frame owns its child widgets: whichever goes first,
+// the widget is deleted once.
+class QtEditorView : public EditorView {
+public:
+    explicit QtEditorView(ConversationEditorView* widget) : widget_(widget) {}
+    ~QtEditorView() override { delete widget_.data(); }
+    void SetPaneMode(int mode) override {
+        if (widget_) widget_->SetPaneMode(mode);
+    }
+
+private:
+    QPointer<ConversationEditorView> widget_;
+};
+
+}  // namespace
+
+ConversationEditorView::ConversationEditorView(ItemTree& items, QWidget* parent)
+    : QSplitter(Qt::Horizontal, parent),
+      model_(new ItemTreeModel(items, this)),
+      tree_(new ConversationTreeView(*model_, this)),
+      panes_(new QTabWidget(this)) {
+    setObjectName(
+        QString::fromStdU16String(std::u16string(CConversationEditorWnd::kWindowSplitter)));
+    panes_->setObjectName(QStringLiteral("LinePanes"));
+    panes_->setDocumentMode(true);
+    setChildrenCollapsible(false);
+    setStretchFactor(0, 3);
+    setStretchFactor(1, 2);
+}
+
+void ConversationEditorView::SetPaneMode(int mode) {
+    panes_->setVisible(mode != 0);
+}
+
+void InstallQtEditorView() {
+    SetEditorViewFactory([](ItemTree& items, TsWindowHandle parent) -> std::unique_ptr<EditorView> {
+        // Widgets need a widget application; a host without one gets no view.
+        if (!qobject_cast<QApplication*>(QCoreApplication::instance())) return nullptr;
+        auto* frame = static_cast<QWidget*>(parent);
+        auto* view = new ConversationEditorView(items, frame);
+        if (QLayout* layout = frame->layout()) layout->addWidget(view);
+        view->show();
+        return std::make_unique<QtEditorView>(view);
+    });
+}
+
+}  // namespace dlg

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QPointer>
+#include <QSplitter>
+
+#include "model/editor_view.h"
+#include "views/conversation_tree_view.h"
+
+class QTabWidget;
+
+namespace dlg {
+
+// The conversation editor on screen: the splitter "WindowSplitter" between the tree and the
+// line panes (an empty tab strip until the panes come).
+class ConversationEditorView : public QSplitter {
+    Q_OBJECT
+public:
+    ConversationEditorView(ItemTree& items, QWidget* parent = nullptr);
+
+    ConversationTreeView& Tree() const { return *tree_; }
+    QTabWidget& Panes() const { return *panes_; }
+    // 0: the tree alone; 2: the tree and the panes.
+    void SetPaneMode(int mode);
+
+private:
+    ItemTreeModel* model_;
+    ConversationTreeView* tree_;
+    QTabWidget* panes_;
+};
+
+// Installs the factory through which editor windows make their ConversationEditorView inside
+// the host's frame (TsWindowHandle is the frame's QWidget*). The view goes into the frame's
+// layout when it has one.
+void InstallQtEditorView();
+
+}  // namespace dlg

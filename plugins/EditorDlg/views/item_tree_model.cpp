@@ -1,0 +1,152 @@
+#include "views/item_tree_model.h"
+
+#include <QColor>
+
+#include "model/dlg_editor_settings.h"
+
+namespace dlg {
+
+namespace {
+
+// Screen colours are red in bits 0-7, green 8-15, blue 16-23; "no colour" leaves the view's own.
+QVariant ColourOf(std::uint32_t colour) {
+    if (colour == kNoColour) return {};
+    return QColor(int(colour & 0xFF), int((colour >> 8) & 0xFF), int((colour >> 16) & 0xFF));
+}
+
+}  // namespace
+
+ItemTreeModel::ItemTreeModel(ItemTree& items, QObject* parent)
+    : QAbstractItemModel(parent), items_(items) {
+    items_.SetObserver(this);
+}
+
+ItemTreeModel::~ItemTreeModel() {
+    items_.SetObserver(nullptr);
+}
+
+QModelIndex ItemTreeModel::IndexOf(TreeItem item) const {
+    if (!items_.IsValid(item)) return {};
+    return createIndex(int(items_.RowOf(item)), 0, quintptr(item));
+}
+
+TreeItem ItemTreeModel::ItemOf(const QModelIndex& index) const {
+    return index.isValid() ? TreeItem(index.internalId()) : kNoItem;
+}
+
+QModelIndex ItemTreeModel::index(int row, int column, const QModelIndex& parent) const {
+    if (row < 0 || column != 0) return {};
+    TreeItem item = items_.ChildAt(ItemOf(parent), std::size_t(row));
+    return item == kNoItem ? QModelIndex() : createIndex(row, 0, quintptr(item));
+}
+
+QModelIndex ItemTreeModel::parent(const QModelIndex& index) const {
+    return IndexOf(items_.GetParent(ItemOf(index)));
+}
+
+int ItemTreeModel::rowCount(const QModelIndex& parent) const {
+    if (parent.column() > 0) return 0;
+    return int(items_.ChildCount(ItemOf(parent)));
+}
+
+int ItemTreeModel::columnCount(const QModelIndex&) const {
+    return 1;
+}
+
+bool ItemTreeModel::hasChildren(const QModelIndex& parent) const {
+    return items_.ChildCount(ItemOf(parent)) > 0;
+}
+
+QVariant ItemTreeModel::data(const QModelIndex& index, int role) const {
+    TreeItem item = ItemOf(index);
+    if (!items_.IsValid(item)) return {};
+    switch (role) {
+        case Qt::DisplayRole:
+            return QString::fromStdU16String(items_.GetText(item));
+        case Qt::ForegroundRole:
+            return ColourOf(items_.GetTextColour(item));
+        case Qt::BackgroundRole:
+            return ColourOf(items_.GetBackColour(item));
+        case kItemRole:
+            return QVariant::fromValue(item);
+        default:
+            return {};
+    }
+}
+
+Qt::ItemFlags ItemTreeModel::flags(const QModelIndex& index) const {
+    if (!index.isValid()) return Qt::NoItemFlags;
+    Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    if (!items_.HasChildren(ItemOf(index))) flags |= Qt::ItemNeverHasChildren;
+    return flags;
+}
+
+void ItemTreeModel::BeforeInsert(TreeItem parent, std::size_t row) {
+    beginInsertRows(IndexOf(parent), int(row), int(row));
+}
+
+void ItemTreeModel::AfterInsert(TreeItem item) {
+    endInsertRows();
+    // The parent may have had no children before: its decoration changes.
+    if (TreeItem parent = items_.GetParent(item); items_.ChildCount(parent) == 1)
+        ItemChanged(parent);
+}
+
+void ItemTreeModel::BeforeRemove(TreeItem item) {
+    int row = int(items_.RowOf(item));
+    beginRemoveRows(IndexOf(items_.GetParent(item)), row, row);
+}
+
+void ItemTreeModel::AfterRemove(TreeItem parent, std::size_t) {
+    endRemoveRows();
+    if (!items_.HasChildren(parent)) ItemChanged(parent);
+}
+
+void ItemTreeModel::BeforeMove(TreeItem item, TreeItem newParent, std::size_t newRow) {
+    TreeItem oldParent = items_.GetParent(item);
+    int oldRow = int(items_.RowOf(item));
+    // The tree counts the new row without the item; Qt counts it with the item still in place.
+    int destination = int(newRow);
+    if (newParent == oldParent && destination >= oldRow) ++destination;
+    moveAsReset_ =
+        !beginMoveRows(IndexOf(oldParent), oldRow, oldRow, IndexOf(newParent), destination);
+    if (moveAsReset_) beginResetModel();
+}
+
+void ItemTreeModel::AfterMove(TreeItem) {
+    if (moveAsReset_)
+        endResetModel();
+    else
+        endMoveRows();
+    moveAsReset_ = false;
+}
+
+void ItemTreeModel::BeforeReset() {
+    beginResetModel();
+}
+void ItemTreeModel::AfterReset() {
+    endResetModel();
+}
+
+void ItemTreeModel::ItemChanged(TreeItem item) {
+    QModelIndex index = IndexOf(item);
+    if (index.isValid()) emit dataChanged(index, index);
+}
+
+void ItemTreeModel::ExpandedChanged(TreeItem item, bool expanded) {
+    emit expandedChanged(IndexOf(item), expanded);
+}
+
+void ItemTreeModel::SelectionChanged(TreeItem, TreeItem current) {
+    emit currentChanged(IndexOf(current));
+}
+
+void ItemTreeModel::EnsureVisible(TreeItem item) {
+    emit ensureVisible(IndexOf(item));
+}
+
+void ItemTreeModel::RedrawChanged(bool on) {
+    emit redrawChanged(on);
+}
+
+}  // namespace dlg
