@@ -38,6 +38,7 @@ ConversationEditorView::ConversationEditorView(ItemTree& items, QWidget* parent)
     setChildrenCollapsible(false);
     setStretchFactor(0, 3);
     setStretchFactor(1, 2);
+    setSizes({640, 360});
 }
 
 void ConversationEditorView::SetPaneMode(int mode) {

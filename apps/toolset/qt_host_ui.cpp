@@ -1,0 +1,140 @@
+#include "qt_host_ui.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "ts/text.h"
+
+namespace toolset {
+
+namespace {
+
+QString ToQt(std::u16string_view text) {
+    return QString::fromStdU16String(std::u16string(text));
+}
+
+QMessageBox::Icon IconOf(std::uint32_t style) {
+    switch (style & kTsMessageBoxIcon) {
+        case MB_ICONERROR:
+            return QMessageBox::Critical;
+        case MB_ICONWARNING:
+            return QMessageBox::Warning;
+        case MB_ICONQUESTION:
+            return QMessageBox::Question;
+        case MB_ICONINFORMATION:
+            return QMessageBox::Information;
+        default:
+            return QMessageBox::NoIcon;
+    }
+}
+
+// The buttons of a style, in order, with the answer each gives.
+std::vector<std::pair<QMessageBox::StandardButton, int>> ButtonsOf(std::uint32_t style) {
+    switch (style & kTsMessageBoxButtons) {
+        case MB_OKCANCEL:
+            return {{QMessageBox::Ok, IDOK}, {QMessageBox::Cancel, IDCANCEL}};
+        case MB_YESNOCANCEL:
+            return {{QMessageBox::Yes, IDYES},
+                    {QMessageBox::No, IDNO},
+                    {QMessageBox::Cancel, IDCANCEL}};
+        case MB_YESNO:
+            return {{QMessageBox::Yes, IDYES}, {QMessageBox::No, IDNO}};
+        default:
+            return {{QMessageBox::Ok, IDOK}};
+    }
+}
+
+bool EqualsIgnoringCase(std::u16string_view a, std::u16string_view b) {
+    return QString::compare(ToQt(a), ToQt(b), Qt::CaseInsensitive) == 0;
+}
+
+}  // namespace
+
+std::vector<std::u16string> ResourcesMatching(const std::vector<ts::ResourceInfo>& resources,
+                                              std::u16string_view filter) {
+    std::vector<std::u16string_view> types;
+    for (std::size_t start = 0; start <= filter.size();) {
+        std::size_t end = std::min(filter.find(u';', start), filter.size());
+        std::u16string_view type = filter.substr(start, end - start);
+        if (type.starts_with(u"*.")) type.remove_prefix(2);
+        if (!type.empty() && type != u"*") types.push_back(type);
+        start = end + 1;
+    }
+    std::vector<std::u16string> names;
+    for (const auto& info : resources) {
+        bool wanted = types.empty();
+        for (auto type : types) wanted = wanted || EqualsIgnoringCase(type, info.type);
+        if (wanted) names.push_back(info.name + u"." + info.type);
+    }
+    return names;
+}
+
+QtHostUi::QtHostUi(QWidget* parent, ResourceLister resources, LogWriter log)
+    : parent_(parent),
+      resources_(std::move(resources)),
+      log_(std::move(log)),
+      previous_(ts::SetHostUi(this)) {}
+
+QtHostUi::~QtHostUi() {
+    ts::SetHostUi(previous_);
+}
+
+int QtHostUi::MessageBox(std::u16string_view text, std::u16string_view caption,
+                         std::uint32_t style) {
+    QMessageBox box(IconOf(style),
+                    caption.empty() ? QStringLiteral("Mistreach Toolset") : ToQt(caption),
+                    ToQt(text), QMessageBox::NoButton, parent_);
+    auto buttons = ButtonsOf(style);
+    std::size_t defaultIndex = (style & kTsMessageBoxDefault) == MB_DEFBUTTON2   ? 1
+                               : (style & kTsMessageBoxDefault) == MB_DEFBUTTON3 ? 2
+                                                                                 : 0;
+    if (defaultIndex >= buttons.size()) defaultIndex = 0;
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        QPushButton* button = box.addButton(buttons[i].first);
+        if (i == defaultIndex) box.setDefaultButton(button);
+    }
+    box.setEscapeButton(box.button(buttons.back().first));
+    auto answer = static_cast<QMessageBox::StandardButton>(box.exec());
+    for (const auto& [button, id] : buttons)
+        if (button == answer) return id;
+    return buttons.back().second;
+}
+
+bool QtHostUi::PickResource(std::u16string_view title, std::u16string_view filter,
+                            std::u16string& chosen) {
+    std::vector<std::u16string> names =
+        ResourcesMatching(resources_ ? resources_() : std::vector<ts::ResourceInfo>{}, filter);
+    QDialog dialog(parent_);
+    dialog.setWindowTitle(title.empty() ? QStringLiteral("Choose a Resource") : ToQt(title));
+    auto* search = new QLineEdit(&dialog);
+    search->setPlaceholderText(QStringLiteral("Filter"));
+    auto* list = new QListWidget(&dialog);
+    for (const auto& name : names) list->addItem(ToQt(name));
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addWidget(search);
+    layout->addWidget(list);
+    layout->addWidget(buttons);
+    QObject::connect(search, &QLineEdit::textChanged, list, [list](const QString& text) {
+        for (int i = 0; i < list->count(); ++i)
+            list->item(i)->setHidden(!list->item(i)->text().contains(text, Qt::CaseInsensitive));
+    });
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    QObject::connect(list, &QListWidget::itemActivated, &dialog, &QDialog::accept);
+    if (list->count() > 0) list->setCurrentRow(0);
+    if (dialog.exec() != QDialog::Accepted || !list->currentItem()) return false;
+    chosen = list->currentItem()->text().toStdU16String();
+    return true;
+}
+
+void QtHostUi::LogOutput(std::u16string_view text) {
+    if (log_) log_(ToQt(text));
+}
+
+}  // namespace toolset
