@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds the toolset (release), makes the demo module on first run and runs the command-line
-# host's report on it. With arguments, runs the command-line host with them instead.
+# Builds the toolset (release), makes the demo module on first run and opens the desktop toolset
+# on it, showing its first conversation. Without a display it runs the command-line host's
+# report on the module instead. With arguments, runs the command-line host with them.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -21,4 +22,8 @@ elif [[ -n "$(find data/demo -newer "$demo" -print -quit)" ]]; then
     echo "run: data/demo changed, so the demo module is made again (the previous one is $demo.bak)"
     "$cli" module create data/demo "$demo" --force
 fi
-exec "$cli" report "$demo"
+if [[ -z "${DISPLAY:-}" && -z "${WAYLAND_DISPLAY:-}" && "${QT_QPA_PLATFORM:-}" != offscreen ]]; then
+    echo "run: no display (DISPLAY and WAYLAND_DISPLAY are unset), so here is the command-line host's report on the demo module instead of the toolset's window"
+    exec "$cli" report "$demo"
+fi
+exec "$build/bin/toolset" --module "$demo"
