@@ -1,0 +1,322 @@
+// The desktop toolset driven as a writer drives it, offscreen: open the demo module, find a
+// conversation in the palette, open it, read it, expand, collapse and follow links, and keep a
+// picture of the window.
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QFile>
+#include <QImage>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSplitter>
+#include <QTabWidget>
+#include <QTreeView>
+#include <filesystem>
+
+#include "agents/resourceschemas.h"
+#include "command_menus.h"
+#include "editor_tab.h"
+#include "error_list_dock.h"
+#include "log_dock.h"
+#include "main_window.h"
+#include "resource_palette.h"
+#include "screenshot.h"
+#include "support/conversation_builder.h"
+#include "support/scripted_ui.h"
+#include "support/test_folders.h"
+#include "ts/configuration.h"
+#include "ts/modulebuilder.h"
+#include "ts/resourcecodec.h"
+#include "ts/text.h"
+
+namespace {
+
+// One widget application for the whole program.
+class QtEnvironment : public ::testing::Environment {
+public:
+    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
+    void TearDown() override { app_.reset(); }
+
+private:
+    int argc_ = 1;
+    char name_[8] = "toolset";
+    char* argv_[2] = {name_, nullptr};
+    std::unique_ptr<QApplication> app_;
+};
+[[maybe_unused]] auto* const gQt = ::testing::AddGlobalTestEnvironment(new QtEnvironment);
+
+const QColor kNpc(255, 0, 0), kPlayer(0, 0, 255), kLink(127, 127, 127), kComment(0, 127, 0);
+const QColor kAmbient(255, 229, 255);
+
+class ToolsetWindow : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        folder_ = new std::string(ts::test::MakeTempFolder("ts-toolset"));
+        ts::ModuleBuildOptions options;
+        options.schemas = ts::ResourceSchemas();
+        options.user = u"demo";
+        ts::ModuleBuildSummary summary;
+        std::vector<std::u16string> problems;
+        ASSERT_TRUE(ts::BuildModule(ts::ApplicationDataFolder() + "/demo", DemoPath(), options,
+                                    summary, problems));
+    }
+    static void TearDownTestSuite() {
+        std::filesystem::remove_all(*folder_);
+        delete folder_;
+    }
+    static std::string DemoPath() { return *folder_ + "/demo.tsmod"; }
+    // A copy of the demo module this test may change.
+    static std::string CopyOfDemo(const std::string& name) {
+        std::string path = *folder_ + "/" + name + ".tsmod";
+        std::filesystem::copy_file(DemoPath(), path,
+                                   std::filesystem::copy_options::overwrite_existing);
+        return path;
+    }
+
+    QTreeView& Tree() {
+        auto* tree =
+            window.ActiveEditor()->findChild<QTreeView*>(QStringLiteral("ConversationTree"));
+        EXPECT_NE(tree, nullptr);
+        return *tree;
+    }
+    // The first index, in pre-order, whose text starts with `prefix`.
+    static QModelIndex Find(QAbstractItemModel& model, const QString& prefix,
+                            const QModelIndex& under = {}) {
+        for (int row = 0; row < model.rowCount(under); ++row) {
+            QModelIndex index = model.index(row, 0, under);
+            if (index.data().toString().startsWith(prefix)) return index;
+            if (QModelIndex found = Find(model, prefix, index); found.isValid()) return found;
+        }
+        return {};
+    }
+    static QColor Foreground(const QModelIndex& index) {
+        return index.data(Qt::ForegroundRole).value<QColor>();
+    }
+    static int VisibleRows(QTreeView& tree) {
+        int rows = 0;
+        for (QModelIndex i = tree.model()->index(0, 0); i.isValid(); i = tree.indexBelow(i)) ++rows;
+        return rows;
+    }
+    static int AllRows(QAbstractItemModel& model, const QModelIndex& under = {}) {
+        int rows = model.rowCount(under);
+        for (int row = 0; row < model.rowCount(under); ++row)
+            rows += AllRows(model, model.index(row, 0, under));
+        return rows;
+    }
+    bool Enabled(const char16_t* command) {
+        window.RefreshState();
+        QAction* action = window.Commands().Action(command);
+        EXPECT_NE(action, nullptr) << QString::fromStdU16String(command).toStdString();
+        return action && action->isEnabled();
+    }
+
+    static std::string* folder_;
+    toolset::MainWindow window{false};
+};
+std::string* ToolsetWindow::folder_ = nullptr;
+
+TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
+    window.show();
+    ASSERT_TRUE(window.OpenModule(QString::fromStdString(DemoPath())));
+
+    // The palette groups the module's resources by type; the filter keeps matching names.
+    window.Palette().SetFilter(QStringLiteral("orla"));
+    EXPECT_EQ(window.Palette().VisibleResources(), (QStringList{"orla_welcome.dlg", "orla.utc"}));
+    window.Palette().SetFilter({});
+    EXPECT_EQ(window.Palette().VisibleResources().size(), 16);
+
+    ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome"), QStringLiteral("dlg")));
+    ASSERT_EQ(window.EditorCount(), 1);
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("orla_welcome.dlg - Mistreach Toolset"));
+    EXPECT_TRUE(window.Log().Text().contains(QStringLiteral("Opened orla_welcome.dlg")));
+    EXPECT_EQ(window.Errors().Count(), 0);
+    EXPECT_FALSE(window.UndoAction()->isEnabled());
+    EXPECT_FALSE(window.RedoAction()->isEnabled());
+    // Opening it again shows the same tab.
+    EXPECT_TRUE(window.OpenResource(QStringLiteral("ORLA_WELCOME.dlg")));
+    EXPECT_EQ(window.EditorCount(), 1);
+
+    // The editor's window sits in the tab: the splitter, the tree and the (empty) panes.
+    auto* splitter = window.ActiveEditor()->findChild<QSplitter*>(QStringLiteral("WindowSplitter"));
+    ASSERT_NE(splitter, nullptr);
+    auto* panes = splitter->findChild<QTabWidget*>(QStringLiteral("LinePanes"));
+    ASSERT_NE(panes, nullptr);
+    EXPECT_EQ(panes->count(), 0);
+    QTreeView& tree = Tree();
+    QAbstractItemModel& model = *tree.model();
+    EXPECT_TRUE(tree.uniformRowHeights());
+
+    // Loaded: the root is selected and open one level, showing the three starts.
+    QModelIndex root = model.index(0, 0);
+    EXPECT_EQ(root.data().toString(), QStringLiteral("Root"));
+    EXPECT_EQ(tree.currentIndex(), root);
+    EXPECT_TRUE(tree.isExpanded(root));
+    ASSERT_EQ(model.rowCount(root), 3);
+    QModelIndex first = model.index(0, 0, root);
+    EXPECT_EQ(
+        first.data().toString(),
+        QStringLiteral(
+            "[[OWNER]] Back again, love? The fire's still warm and the stew is nearly edible."));
+    EXPECT_EQ(Foreground(first), kNpc);
+    EXPECT_FALSE(tree.isExpanded(first));
+    EXPECT_EQ(VisibleRows(tree), 4);
+    EXPECT_FALSE(root.data(Qt::ForegroundRole).isValid()) << "the root keeps the system colours";
+
+    // Commands reach the editor by id; those for later work are there but disabled.
+    EXPECT_TRUE(Enabled(u"Edit.ExpandAll"));
+    EXPECT_FALSE(Enabled(u"Edit.DialogEditor.Insert.Line"));
+    EXPECT_FALSE(Enabled(u"Edit.DialogEditor.JumpToTarget")) << "the root is no link";
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
+    EXPECT_EQ(VisibleRows(tree), AllRows(model)) << "every item shows";
+
+    QModelIndex comment = Find(model, QStringLiteral("[COMMENT] Rooms are not in the game yet."));
+    ASSERT_TRUE(comment.isValid());
+    EXPECT_EQ(Foreground(comment), kComment);
+    QModelIndex player = Find(model, QStringLiteral("I'd like a room for the night."));
+    EXPECT_EQ(Foreground(player), kPlayer);
+    QModelIndex storm = Find(model, QStringLiteral("[[OWNER]] Storm's coming"));
+    EXPECT_EQ(storm.data(Qt::BackgroundRole).value<QColor>(), kAmbient);
+    EXPECT_FALSE(first.data(Qt::BackgroundRole).isValid());
+
+    // A link, under "It floods twice a year", shows its target's text in the link colour.
+    QModelIndex floods = Find(model, QStringLiteral("[[OWNER]] It floods twice a year"));
+    QModelIndex link = Find(model, QStringLiteral("I'm looking for work."), floods);
+    ASSERT_TRUE(link.isValid());
+    EXPECT_EQ(Foreground(link), kLink);
+
+    // Selecting in the view selects in the editor: jumping to the target moves the view there.
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.CollapseAll")));
+    EXPECT_FALSE(tree.isExpanded(root));
+    EXPECT_EQ(VisibleRows(tree), 1);
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
+    tree.setCurrentIndex(link);
+    EXPECT_TRUE(Enabled(u"Edit.DialogEditor.JumpToTarget"));
+    EXPECT_FALSE(Enabled(u"Edit.Expand")) << "a link has no children";
+    auto inView = [&tree](const QModelIndex& index) {
+        QRect shown = tree.visualRect(index);
+        return shown.top() >= 0 && shown.bottom() <= tree.viewport()->height();
+    };
+    window.resize(1000, 480);
+    QApplication::processEvents();
+    tree.scrollToBottom();
+    ASSERT_FALSE(inView(Find(model, QStringLiteral("I'm looking for work."), first)));
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.DialogEditor.JumpToTarget")));
+    QModelIndex target = tree.currentIndex();
+    EXPECT_EQ(target.data().toString(), QStringLiteral("I'm looking for work."));
+    EXPECT_EQ(Foreground(target), kPlayer);
+    EXPECT_EQ(target.parent(), first);
+    EXPECT_TRUE(inView(target)) << "scrolled into view";
+    window.resize(1280, 800);
+
+    // Collapsing in the view reaches the editor: its commands see the branch closed.
+    tree.setCurrentIndex(first);
+    EXPECT_TRUE(Enabled(u"Edit.Collapse"));
+    tree.collapse(first);
+    EXPECT_FALSE(Enabled(u"Edit.Collapse"));
+    EXPECT_TRUE(Enabled(u"Edit.Expand"));
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandBranch")));
+    EXPECT_TRUE(tree.isExpanded(first));
+    EXPECT_TRUE(tree.isExpanded(target));
+
+    // Simple view shows the tree alone; the command is checked while it is on.
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("View.DialogEditor.SimpleView")));
+    EXPECT_TRUE(panes->isHidden());
+    EXPECT_TRUE(window.Commands().Action(u"View.DialogEditor.SimpleView")->isChecked());
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("View.DialogEditor.SimpleView")));
+    EXPECT_FALSE(panes->isHidden());
+
+    // The editor's menus join the host's: its Edit entries follow Undo and Redo; Tools is its own.
+    QStringList menus;
+    for (QAction* action : window.menuBar()->actions())
+        menus << action->text().remove(QLatin1Char('&'));
+    EXPECT_EQ(menus, (QStringList{"File", "Edit", "View", "Tools"}));
+    QMenu* edit = window.menuBar()->actions()[1]->menu();
+    QStringList entries;
+    for (QAction* action : edit->actions()) entries << action->text().remove(QLatin1Char('&'));
+    EXPECT_EQ(entries.mid(0, 5),
+              (QStringList{"Undo", "Redo", "", "Insert Line", "Insert Line After"}));
+
+    window.RunCommand(QStringLiteral("Edit.CollapseAll"));
+    window.RunCommand(QStringLiteral("Edit.Expand"));
+    tree.setCurrentIndex(first);
+    window.RunCommand(QStringLiteral("Edit.ExpandBranch"));
+    QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_orla_welcome.png");
+    QFile::remove(shot);
+    ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
+    QImage picture(shot);
+    EXPECT_EQ(picture.size(), window.size());
+
+    window.CloseCurrent();
+    EXPECT_EQ(window.EditorCount(), 0);
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("demo.tsmod - Mistreach Toolset"));
+}
+
+TEST_F(ToolsetWindow, ADamagedResourceIsReportedAndTheToolsetGoesOn) {
+    std::string path = CopyOfDemo("damaged");
+    {
+        ts::StoreResult result;
+        auto store = ts::OpenSqliteStore(path, {}, &result);
+        ASSERT_TRUE(store);
+        std::vector<std::uint8_t> junk(64, 0x5A);
+        ASSERT_TRUE(
+            store->SaveResource(u"brannoc_caravan", u"dlg", junk, ts::kAnyVersion, u"demo"));
+        // A conversation that decodes but whose start names a line it does not have.
+        ts::test::ConversationBuilder broken;
+        broken.Npc(u"Alone.");
+        broken.Start(4);
+        std::vector<std::uint8_t> bytes;
+        ASSERT_TRUE(ts::EncodeResource(broken.Resource(), bytes));
+        ASSERT_TRUE(store->CreateResource(u"broken_start", u"dlg", bytes, u"demo"));
+    }
+    ts::test::ScriptedUi ui;
+    ASSERT_TRUE(window.OpenModule(QString::fromStdString(path)));
+
+    EXPECT_FALSE(window.OpenResource(QStringLiteral("brannoc_caravan.dlg")));
+    ASSERT_EQ(ui.shown().size(), 1u);
+    EXPECT_EQ(ui.shown()[0].style & kTsMessageBoxIcon, MB_ICONERROR);
+    EXPECT_NE(ui.shown()[0].text.find(u"brannoc_caravan.dlg"), std::u16string::npos)
+        << ts::Utf16ToUtf8(ui.shown()[0].text);
+
+    // The editor refuses the broken one and says why through its "Error" event, once.
+    EXPECT_FALSE(window.OpenResource(QStringLiteral("broken_start.dlg")));
+    ASSERT_EQ(ui.shown().size(), 2u);
+    EXPECT_EQ(ui.shown()[1].style & kTsMessageBoxIcon, MB_ICONERROR);
+    EXPECT_NE(ui.shown()[1].text.find(u"does not exist"), std::u16string::npos)
+        << ts::Utf16ToUtf8(ui.shown()[1].text);
+    EXPECT_EQ(window.EditorCount(), 0);
+
+    EXPECT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
+    EXPECT_EQ(window.EditorCount(), 1);
+    EXPECT_EQ(ui.shown().size(), 2u);
+}
+
+TEST_F(ToolsetWindow, SavingStoresTheConversationAndKeepsItOpen) {
+    std::string path = CopyOfDemo("saving");
+    ASSERT_TRUE(window.OpenModule(QString::fromStdString(path)));
+    ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
+    ts::StoreResult result;
+    auto store = ts::OpenSqliteStore(path, {}, &result);
+    ts::ResourceInfo before, after;
+    ASSERT_TRUE(store->GetResourceInfo(u"orla_welcome", u"dlg", before));
+    EXPECT_TRUE(window.SaveCurrent());
+    ASSERT_TRUE(store->GetResourceInfo(u"orla_welcome", u"dlg", after));
+    EXPECT_EQ(after.version, before.version + 1);
+    EXPECT_EQ(window.EditorCount(), 1);
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("orla_welcome.dlg - Mistreach Toolset"));
+}
+
+TEST(ToolsetLayout, TheWindowComesBackWhereTheUserLeftIt) {
+    {
+        toolset::MainWindow window(true);
+        window.show();
+        window.resize(900, 640);
+        window.Log().hide();
+        window.close();
+    }
+    toolset::MainWindow again(true);
+    EXPECT_EQ(again.size(), QSize(900, 640));
+    EXPECT_TRUE(again.Log().isHidden());
+}
+
+}  // namespace
