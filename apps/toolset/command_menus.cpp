@@ -8,14 +8,12 @@
 
 #include "command_text.h"
 #include "editor_tab.h"
+#include "qt_text.h"
 #include "ts/configuration.h"
 
 namespace toolset {
 
 namespace {
-QString ToQt(std::u16string_view text) {
-    return QString::fromStdU16String(std::u16string(text));
-}
 QString Plain(QString caption) {
     return caption.remove(QLatin1Char('&'));
 }

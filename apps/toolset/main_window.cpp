@@ -15,6 +15,7 @@
 #include "editor_tab.h"
 #include "error_list_dock.h"
 #include "log_dock.h"
+#include "qt_text.h"
 #include "resource_palette.h"
 #include "ts/editorhost.h"
 #include "ts/environment.h"
@@ -29,10 +30,6 @@ namespace toolset {
 namespace {
 
 constexpr char16_t kTitle[] = u"Mistreach Toolset";
-
-QString ToQt(std::u16string_view text) {
-    return QString::fromStdU16String(std::u16string(text));
-}
 
 void Tell(std::u16string_view message, std::uint32_t icon = MB_ICONERROR) {
     TsMessageBox(message, kTitle, MB_OK | icon);

@@ -8,15 +8,12 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "qt_text.h"
 #include "ts/text.h"
 
 namespace toolset {
 
 namespace {
-
-QString ToQt(std::u16string_view text) {
-    return QString::fromStdU16String(std::u16string(text));
-}
 
 QMessageBox::Icon IconOf(std::uint32_t style) {
     switch (style & kTsMessageBoxIcon) {
