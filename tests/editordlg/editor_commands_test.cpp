@@ -119,7 +119,9 @@ TEST_F(EditorCommands, CommandsAreEnabledWhereTheirActionIsPossible) {
     for (const auto& command : ExpectedCommands()) {
         std::uint32_t expected = onRoot.contains(command.id) ? kTsCommandEnabled : 0u;
         EXPECT_EQ(State(command.id), expected) << ts::Utf16ToUtf8(command.name);
-        if (!expected) EXPECT_EQ(object_->ExecuteCommand(command.id), S_FALSE);
+        if (!expected) {
+            EXPECT_EQ(object_->ExecuteCommand(command.id), S_FALSE);
+        }
     }
 
     // Expanding everything opens the lines with children; the link has none.
