@@ -1,5 +1,7 @@
 #include "views/conversation_editor_view.h"
 
+#include <dlfcn.h>
+
 #include <QApplication>
 #include <QLayout>
 #include <QTabWidget>
@@ -24,6 +26,15 @@ private:
     QPointer<ConversationEditorView> widget_;
 };
 
+// Qt cannot be unloaded and loaded again within a process (its globals outlive its code), but a
+// host may unload this library and, with it, the Qt libraries it brought in. Once loaded, Qt
+// stays: its widgets library (and so what it needs) is marked never to be unloaded.
+void KeepQtLoaded() {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<const void*>(&QWidget::staticMetaObject), &info) && info.dli_fname)
+        dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
 }  // namespace
 
 ConversationEditorView::ConversationEditorView(ItemTree& items, QWidget* parent)
@@ -46,6 +57,7 @@ void ConversationEditorView::SetPaneMode(int mode) {
 }
 
 void InstallQtEditorView() {
+    KeepQtLoaded();
     SetEditorViewFactory([](ItemTree& items, TsWindowHandle parent) -> std::unique_ptr<EditorView> {
         // Widgets need a widget application; a host without one gets no view.
         if (!qobject_cast<QApplication*>(QCoreApplication::instance())) return nullptr;
