@@ -14,7 +14,6 @@
 #include <QTreeView>
 #include <filesystem>
 
-#include "agents/resourceschemas.h"
 #include "command_menus.h"
 #include "editor_tab.h"
 #include "error_list_dock.h"
@@ -23,10 +22,9 @@
 #include "resource_palette.h"
 #include "screenshot.h"
 #include "support/conversation_builder.h"
+#include "support/demo_module.h"
 #include "support/scripted_ui.h"
 #include "support/test_folders.h"
-#include "ts/configuration.h"
-#include "ts/modulebuilder.h"
 #include "ts/resourcecodec.h"
 #include "ts/text.h"
 
@@ -53,13 +51,7 @@ class ToolsetWindow : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         folder_ = new std::string(ts::test::MakeTempFolder("ts-toolset"));
-        ts::ModuleBuildOptions options;
-        options.schemas = ts::ResourceSchemas();
-        options.user = u"demo";
-        ts::ModuleBuildSummary summary;
-        std::vector<std::u16string> problems;
-        ASSERT_TRUE(ts::BuildModule(ts::ApplicationDataFolder() + "/demo", DemoPath(), options,
-                                    summary, problems));
+        ASSERT_TRUE(ts::test::BuildDemoModule(DemoPath()));
     }
     static void TearDownTestSuite() {
         std::filesystem::remove_all(*folder_);
