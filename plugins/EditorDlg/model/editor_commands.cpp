@@ -1,5 +1,7 @@
 #include "model/editor_commands.h"
 
+#include <utility>
+
 #include "model/conversation_editor_wnd.h"
 #include "model/tree_view_commands.h"
 #include "ts/format.h"
@@ -11,30 +13,24 @@ namespace {
 
 using namespace command_id;
 
-// The expand and collapse commands by id; false for any other id.
+// The expand and collapse commands by id.
+constexpr std::pair<std::uint32_t, ExpandCommand> kExpandCommands[] = {
+    {kExpand, ExpandCommand::Expand},
+    {kExpandBranch, ExpandCommand::ExpandBranch},
+    {kExpandAll, ExpandCommand::ExpandAll},
+    {kCollapse, ExpandCommand::Collapse},
+    {kCollapseBranch, ExpandCommand::CollapseBranch},
+    {kCollapseAll, ExpandCommand::CollapseAll},
+};
+
+// False for an id that is not one of them.
 bool ExpandCommandOf(std::uint32_t id, ExpandCommand& command) {
-    switch (id) {
-        case kExpand:
-            command = ExpandCommand::Expand;
-            return true;
-        case kExpandBranch:
-            command = ExpandCommand::ExpandBranch;
-            return true;
-        case kExpandAll:
-            command = ExpandCommand::ExpandAll;
-            return true;
-        case kCollapse:
-            command = ExpandCommand::Collapse;
-            return true;
-        case kCollapseBranch:
-            command = ExpandCommand::CollapseBranch;
-            return true;
-        case kCollapseAll:
-            command = ExpandCommand::CollapseAll;
-            return true;
-        default:
-            return false;
+    for (const auto& [commandId, expand] : kExpandCommands) {
+        if (commandId != id) continue;
+        command = expand;
+        return true;
     }
+    return false;
 }
 
 bool IsEnabled(CConversationEditorWnd& window, std::uint32_t id) {
