@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
 
 #include "agents/agentgameobject.h"
+#include "stored_record.h"
 #include "support/report_capture.h"
 #include "support/variant_print.h"
 #include "ts/hoststring.h"
 
 namespace {
 
+using ts::test::AddStoredField;
+using ts::test::NewRecordNode;
 using ts::test::ReportCapture;
 
 // A small record in the shape of the real schemas: every value kind, a list of elements.
@@ -43,6 +46,12 @@ std::u16string NameOf(ITsProperty* node) {
     return std::u16string(s.View());
 }
 
+std::u16string Attribute(ITsProperty* node, TsPropertyAttribute which) {
+    CTsHostString s;
+    node->GetAttribute(which, s.Put());
+    return std::u16string(s.View());
+}
+
 std::vector<std::u16string> ChildNames(ITsProperty* node) {
     std::vector<std::u16string> names;
     ITsProperty* const* items;
@@ -50,6 +59,18 @@ std::vector<std::u16string> ChildNames(ITsProperty* node) {
     if (SUCCEEDED(node->GetChildArray(&items, &count)))
         for (std::uint32_t i = 0; i < count; ++i) names.push_back(NameOf(items[i]));
     return names;
+}
+
+// The LineIndex of every element of the resource's ItemList, in order.
+std::vector<std::int32_t> LineIndexes(const CAgentTestResource& r) {
+    std::vector<std::int32_t> indexes;
+    for (std::uint32_t i = 0; i < r.ItemListCount(); ++i) {
+        CTsComPtr<ITsProperty> node;
+        std::int32_t index = -5;
+        EXPECT_TRUE(r.GetItemListItem(i, node) && CAgentTestItem(node.Get()).GetLineIndex(index));
+        indexes.push_back(index);
+    }
+    return indexes;
 }
 
 TEST(AgentBase, BuildsTheAgentNodeWithBaseFieldsFirst) {
@@ -60,32 +81,22 @@ TEST(AgentBase, BuildsTheAgentNodeWithBaseFieldsFirst) {
     EXPECT_EQ(NameOf(root), u"Agent");
     EXPECT_EQ(root->GetType(), kTsTypeList);
     EXPECT_EQ(root->GetFlags(), 2u);
-    CTsHostString display;
-    root->GetAttribute(TsPropertyAttribute::DisplayName, display.Put());
-    EXPECT_EQ(display.View(), u"Agent");
-
+    EXPECT_EQ(Attribute(root, TsPropertyAttribute::DisplayName), u"Agent");
     EXPECT_EQ(ChildNames(root), (std::vector<std::u16string>{u"ResRefName", u"LocalCopy", u"Speaker", u"Seed",
                                                              u"Delay", u"Exact", u"SentOn", u"Position", u"Fog",
                                                              u"Result", u"ItemList"}));
-    // Each node carries its declaration.
+    // Each node carries its declaration (every attribute of every real record is checked
+    // against data/*.tsv).
     CTsComPtr<ITsProperty> node;
-    ASSERT_TRUE(r.FindProperty(TsAddAtom(u"ResRefName"), 0, node));
-    EXPECT_EQ(node->GetFlags(), 2060u);
-    CTsHostString description;
-    node->GetAttribute(TsPropertyAttribute::Description, description.Put());
-    EXPECT_EQ(description.View(), u"A unique string identifier the toolset and the game both use to refer to this resource");
     ASSERT_TRUE(r.FindProperty(TsAddAtom(u"Speaker"), 0, node));
-    CTsHostString editor;
-    node->GetAttribute(TsPropertyAttribute::EditorKind, editor.Put());
-    EXPECT_EQ(editor.View(), u"TagName");
+    EXPECT_EQ(node->GetFlags(), 2u);
+    EXPECT_EQ(Attribute(node.Get(), TsPropertyAttribute::SubCategory), u"Who");
+    EXPECT_EQ(Attribute(node.Get(), TsPropertyAttribute::EditorKind), u"TagName");
 }
 
 TEST(AgentBase, CreateOnClearsTheNodeAndWritesEveryDefault) {
-    CTsComPtr<ITsProperty> node;
-    ASSERT_EQ(TsCreateProperty(u"Agent", kTsTypeList, 2, node.Put()), S_OK);
-    CTsComPtr<ITsProperty> stray;
-    ASSERT_EQ(TsCreateProperty(u"Stray", kTsTypeInt, 0, stray.Put()), S_OK);
-    ASSERT_EQ(node->InsertChild(kTsAppend, stray.Get()), S_OK);
+    auto node = NewRecordNode();
+    AddStoredField(node.Get(), u"Stray", variant(kTsTypeInt, 3));
 
     CAgentTestResource r;
     ASSERT_TRUE(r.CreateOn(node.Get()));
@@ -113,45 +124,41 @@ TEST(AgentBase, CreateOnClearsTheNodeAndWritesEveryDefault) {
     EXPECT_EQ(resref, u"");
     EXPECT_FALSE(local);
     EXPECT_EQ(r.ItemListCount(), 0u);
+
+    // A field declared without a default holds its type's zero value.
+    CAgentTestItem item;
+    ASSERT_TRUE(item.CreateOn(nullptr));
+    bool isLink = true;
+    ASSERT_TRUE(item.GetIsLink(isLink));
+    EXPECT_FALSE(isLink);
 }
 
-TEST(AgentBase, SettersAndGettersRoundTrip) {
-    CAgentTestResource r;
-    ASSERT_TRUE(r.CreateOn(nullptr));
-    ASSERT_TRUE(r.SetSpeaker(u"guard_captain"));
-    ASSERT_TRUE(r.SetSeed(0xFFFFFFFFu));
-    ASSERT_TRUE(r.SetPosition(TsVector3{-1, 0.25f, 9}));
-    ASSERT_TRUE(r.SetResult(false));
-    std::u16string speaker;
-    std::uint32_t seed = 0;
-    TsVector3 position;
-    bool result = true;
-    ASSERT_TRUE(r.GetSpeaker(speaker) && r.GetSeed(seed) && r.GetPosition(position) && r.GetResult(result));
-    EXPECT_EQ(speaker, u"guard_captain");
-    EXPECT_EQ(seed, 0xFFFFFFFFu);
-    EXPECT_EQ(position, (TsVector3{-1, 0.25f, 9}));
-    EXPECT_FALSE(result);
-}
-
-TEST(AgentBase, BindChangesNothing) {
+TEST(AgentBase, SettersWriteTheStoredNodeThatABoundViewReads) {
     CAgentTestResource original;
     ASSERT_TRUE(original.CreateOn(nullptr));
-    ASSERT_TRUE(original.SetSpeaker(u"merchant"));
+    ASSERT_TRUE(original.SetSpeaker(u"merchant") && original.SetSeed(0xFFFFFFFFu) &&
+                original.SetPosition(TsVector3{-1, 0.25f, 9}) && original.SetResult(false));
 
     CAgentTestResource view;
     view.Bind(original.GetNode());
     std::u16string speaker;
-    ASSERT_TRUE(view.GetSpeaker(speaker));
-    EXPECT_EQ(speaker, u"merchant") << "no defaults were written";
-    EXPECT_EQ(ChildNames(view.GetNode()).size(), 11u) << "no fields were declared again";
+    std::uint32_t seed = 0;
+    TsVector3 position;
+    bool result = true;
+    ASSERT_TRUE(view.GetSpeaker(speaker) && view.GetSeed(seed) && view.GetPosition(position) &&
+                view.GetResult(result));
+    EXPECT_EQ(speaker, u"merchant") << "binding wrote no defaults";
+    EXPECT_EQ(seed, 0xFFFFFFFFu);
+    EXPECT_EQ(position, (TsVector3{-1, 0.25f, 9}));
+    EXPECT_FALSE(result);
+    EXPECT_EQ(ChildNames(view.GetNode()).size(), 11u) << "binding declared nothing again";
 }
 
 TEST(AgentBase, MissingOrMistypedFieldReportsAndLeavesTheOutput) {
-    // A stored resource whose "Speaker" is an int and which lacks "Seed" entirely.
-    CTsComPtr<ITsProperty> root, speaker;
-    ASSERT_EQ(TsCreateProperty(u"Agent", kTsTypeList, 2, root.Put()), S_OK);
-    ASSERT_EQ(TsCreateProperty(u"Speaker", kTsTypeInt, 2, speaker.Put()), S_OK);
-    ASSERT_EQ(root->InsertChild(kTsAppend, speaker.Get()), S_OK);
+    // A stored resource whose "Speaker" is an int, which lacks "Seed" and has a good "Delay".
+    auto root = NewRecordNode();
+    auto speaker = AddStoredField(root.Get(), u"Speaker", variant(kTsTypeInt, 12));
+    AddStoredField(root.Get(), u"Delay", variant(kTsTypeFloat, 1.5f));
     CAgentTestResource r;
     r.Bind(root.Get());
 
@@ -161,11 +168,19 @@ TEST(AgentBase, MissingOrMistypedFieldReportsAndLeavesTheOutput) {
     EXPECT_FALSE(r.GetSpeaker(text));
     EXPECT_FALSE(r.GetSeed(seed));
     EXPECT_FALSE(r.SetSeed(1));
+    EXPECT_FALSE(r.SetSpeaker(u"owner"));
     EXPECT_EQ(text, u"kept");
     EXPECT_EQ(seed, 42u);
-    ASSERT_EQ(reports.Count(u"Request for invalid property"), 3u);
-    EXPECT_EQ(reports.entries()[0].level, 0);
-    EXPECT_EQ(reports.entries()[0].sourceFile, "agenttest");
+    ASSERT_EQ(reports.Count(u"Request for invalid property"), 4u);
+    EXPECT_EQ(reports.entries()[0].level, static_cast<int>(ReportLevel::Assert));
+    EXPECT_EQ(reports.entries()[0].sourceFile, "agenttest") << "the declaring record's source";
+    variant stored;
+    ASSERT_EQ(speaker->GetValue(&stored), S_OK);
+    EXPECT_EQ(stored, variant(kTsTypeInt, 12)) << "the failed setter wrote nothing";
+    EXPECT_EQ(ChildNames(root.Get()).size(), 2u) << "setters never create fields";
+    float delay = 0;
+    ASSERT_TRUE(r.GetDelay(delay)) << "the well-typed fields still read";
+    EXPECT_EQ(delay, 1.5f);
 
     CAgentTestResource unbound;
     EXPECT_FALSE(unbound.GetSpeaker(text));
@@ -177,34 +192,11 @@ TEST(AgentBase, ListOperationsOnElements) {
     ASSERT_TRUE(r.CreateOn(nullptr));
     for (int i = 0; i < 3; ++i) {
         CAgentTestItem item;
-        CTsComPtr<ITsProperty> node;
-        ASSERT_EQ(TsCreateProperty(u"Agent", kTsTypeList, 2, node.Put()), S_OK);
-        ASSERT_TRUE(item.CreateOn(node.Get()));
-        ASSERT_TRUE(item.SetLineIndex(i));
+        ASSERT_TRUE(item.CreateOn(nullptr) && item.SetLineIndex(i));
         ASSERT_TRUE(r.AddItemToPropertyList(item, u"ItemList", i == 2 ? 0 : kTsAppend));
     }
-    ASSERT_EQ(r.GetPropertyListEntryCount(u"ItemList"), 3u);
-    std::vector<std::int32_t> order;
-    for (std::uint32_t i = 0; i < r.ItemListCount(); ++i) {
-        CTsComPtr<ITsProperty> node;
-        ASSERT_TRUE(r.GetItemListItem(i, node));
-        CAgentTestItem item;
-        item.Bind(node.Get());
-        std::int32_t index = -5;
-        ASSERT_TRUE(item.GetLineIndex(index));
-        order.push_back(index);
-    }
-    EXPECT_EQ(order, (std::vector<std::int32_t>{2, 0, 1})) << "the third went in at the front";
-
-    // A new item has a default LineIndex and no IsLink written (that field has no default).
-    CAgentTestItem fresh;
-    ASSERT_TRUE(fresh.CreateOn(nullptr));
-    std::int32_t index = 0;
-    bool isLink = true;
-    ASSERT_TRUE(fresh.GetLineIndex(index));
-    EXPECT_EQ(index, -1);
-    ASSERT_TRUE(fresh.GetIsLink(isLink));
-    EXPECT_FALSE(isLink) << "a field without default holds its zero value";
+    EXPECT_EQ(LineIndexes(r), (std::vector<std::int32_t>{2, 0, 1})) << "the third went in at the front";
+    EXPECT_EQ(r.GetPropertyListEntryCount(u"ItemList"), 3u);
 }
 
 TEST(AgentBase, ListFailuresReportAndGiveNothing) {
@@ -212,9 +204,6 @@ TEST(AgentBase, ListFailuresReportAndGiveNothing) {
     ASSERT_TRUE(r.CreateOn(nullptr));
     ReportCapture reports;
     EXPECT_EQ(r.GetPropertyListEntryCount(u"NoSuchList"), 0u);
-    int visited = 0;
-    for (std::uint32_t i = 0; i < r.GetPropertyListEntryCount(u"NoSuchList"); ++i) ++visited;
-    EXPECT_EQ(visited, 0);
     CTsComPtr<ITsProperty> node;
     EXPECT_FALSE(r.GetPropertyFromList(u"ItemList", 0, node));
     EXPECT_FALSE(node);
@@ -222,12 +211,17 @@ TEST(AgentBase, ListFailuresReportAndGiveNothing) {
     EXPECT_FALSE(r.AddItemToPropertyList(unboundItem, u"ItemList"));
     EXPECT_FALSE(r.AddItemToPropertyList(r, u"Speaker")) << "not a list";
 
-    ASSERT_EQ(reports.size(), 5u);
-    EXPECT_EQ(reports.entries()[0].message, u"CAgentBase::GetPropertyListEntryCount failed to get count for list NoSuchList");
-    EXPECT_EQ(reports.entries()[2].message, u"CAgentBase::GetPropertyFromList failed to get item for list ItemList");
-    EXPECT_EQ(reports.entries()[3].message, u"CAgentBase::AddItemToPropertyList failed to add a property to list ItemList");
-    EXPECT_EQ(reports.entries()[4].message, u"CAgentBase::AddItemToPropertyList failed to add a property to list Speaker");
-    EXPECT_EQ(reports.entries()[0].sourceFile, "AgentBase");
+    std::vector<std::u16string> messages;
+    for (const auto& e : reports.entries()) {
+        messages.push_back(e.message);
+        EXPECT_EQ(e.sourceFile, "AgentBase");
+        EXPECT_EQ(e.level, static_cast<int>(ReportLevel::Assert));
+    }
+    EXPECT_EQ(messages, (std::vector<std::u16string>{
+                            u"CAgentBase::GetPropertyListEntryCount failed to get count for list NoSuchList",
+                            u"CAgentBase::GetPropertyFromList failed to get item for list ItemList",
+                            u"CAgentBase::AddItemToPropertyList failed to add a property to list ItemList",
+                            u"CAgentBase::AddItemToPropertyList failed to add a property to list Speaker"}));
 }
 
 TEST(AgentBase, CopiesListsByReferenceOrDeep) {
@@ -235,37 +229,23 @@ TEST(AgentBase, CopiesListsByReferenceOrDeep) {
     ASSERT_TRUE(source.CreateOn(nullptr) && byRef.CreateOn(nullptr) && deep.CreateOn(nullptr));
     for (int i = 0; i < 2; ++i) {
         CAgentTestItem item;
-        ASSERT_TRUE(item.CreateOn(nullptr));
-        ASSERT_TRUE(item.SetLineIndex(10 + i));
+        ASSERT_TRUE(item.CreateOn(nullptr) && item.SetLineIndex(10 + i));
         ASSERT_TRUE(source.AddItemToPropertyList(item, u"ItemList"));
     }
-    CTsComPtr<ITsProperty> sourceList;
+    CTsComPtr<ITsProperty> sourceList, original;
     ASSERT_TRUE(source.FindProperty(TsAddAtom(u"ItemList"), 0, sourceList));
     ASSERT_TRUE(byRef.CopyPropertyList(sourceList.Get(), u"ItemList", false));
     ASSERT_TRUE(deep.CopyPropertyList(sourceList.Get(), u"ItemList", true));
-    ASSERT_EQ(byRef.ItemListCount(), 2u);
-    ASSERT_EQ(deep.ItemListCount(), 2u);
 
-    CTsComPtr<ITsProperty> original, shared, copied;
-    ASSERT_TRUE(source.GetItemListItem(1, original) && byRef.GetItemListItem(1, shared) &&
-                deep.GetItemListItem(1, copied));
-    EXPECT_EQ(shared.Get(), original.Get());
-    EXPECT_NE(copied.Get(), original.Get());
-
-    CAgentTestItem edit;
-    edit.Bind(original.Get());
-    ASSERT_TRUE(edit.SetLineIndex(99));
-    CAgentTestItem viaRef, viaCopy;
-    viaRef.Bind(shared.Get());
-    viaCopy.Bind(copied.Get());
-    std::int32_t a = 0, b = 0;
-    ASSERT_TRUE(viaRef.GetLineIndex(a) && viaCopy.GetLineIndex(b));
-    EXPECT_EQ(a, 99);
-    EXPECT_EQ(b, 11);
+    // A change to a source element shows in the shared copy only.
+    ASSERT_TRUE(source.GetItemListItem(1, original));
+    ASSERT_TRUE(CAgentTestItem(original.Get()).SetLineIndex(99));
+    EXPECT_EQ(LineIndexes(byRef), (std::vector<std::int32_t>{10, 99}));
+    EXPECT_EQ(LineIndexes(deep), (std::vector<std::int32_t>{10, 11}));
 
     ReportCapture reports;
-    EXPECT_FALSE(deep.CopyPropertyList(sourceList.Get(), u"NoSuchList", true)) << "stops at the first failure";
-    EXPECT_EQ(reports.size(), 1u);
+    EXPECT_FALSE(deep.CopyPropertyList(sourceList.Get(), u"NoSuchList", true));
+    EXPECT_EQ(reports.size(), 1u) << "stops at the first failure";
 }
 
 TEST(AgentBase, FindOrCreateAddsAPlainNodeWhenAllowed) {
@@ -281,17 +261,6 @@ TEST(AgentBase, FindOrCreateAddsAPlainNodeWhenAllowed) {
     EXPECT_EQ(again.Get(), node.Get()) << "found by atom, ignoring case";
     ASSERT_TRUE(r.FindOrCreateProperty(TsAddAtom(u"Speaker"), again));
     EXPECT_EQ(again->GetType(), kTsTypeString);
-}
-
-TEST(AgentBase, FieldTableIsTheDeclaration) {
-    auto fields = CAgentTestResource::Fields();
-    ASSERT_EQ(fields.size(), 9u);
-    EXPECT_EQ(std::u16string(fields[0].name), u"Speaker");
-    EXPECT_EQ(fields[0].type, kTsTypeString);
-    EXPECT_EQ(TsDefaultVariant(fields[0]), variant(kTsTypeString, u"OWNER"));
-    EXPECT_EQ(TsDefaultVariant(fields[4]), variant(kTsTypeDateTime, 46000.0));
-    EXPECT_TRUE(TsDefaultVariant(fields[8]).empty());
-    EXPECT_EQ(CAgentGameObject::Fields().size(), 2u);
 }
 
 }  // namespace

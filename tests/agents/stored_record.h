@@ -23,8 +23,4 @@ inline CTsComPtr<ITsProperty> AddStoredField(ITsProperty* record, std::u16string
     return field;
 }
 
-inline CTsComPtr<ITsProperty> AddStoredList(ITsProperty* record, std::u16string_view name) {
-    return AddStoredField(record, name, variant());
-}
-
 }  // namespace ts::test
