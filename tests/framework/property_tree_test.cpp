@@ -20,42 +20,37 @@ std::u16string Attribute(ITsProperty* node, TsPropertyAttribute which) {
     return std::u16string(text.View());
 }
 
-std::u16string Name(ITsProperty* node) {
-    CTsHostString text;
-    EXPECT_EQ(node->GetName(text.Put()), S_OK);
-    return std::u16string(text.View());
-}
-
 TEST(PropertyTree, CreatesNodesWithTheirAttributes) {
-    Node n;
+    using enum TsPropertyAttribute;
+    Node n, twin;
     ASSERT_EQ(TsCreateProperty(u"ResRefName", kTsTypeString, 2060, u"Resource Name", u"Cat", u"Sub",
                                u"Describes it", u"TagName", n.Put()),
               S_OK);
-    EXPECT_EQ(Name(n.Get()), u"ResRefName");
+    CTsHostString name;
+    ASSERT_EQ(n->GetName(name.Put()), S_OK);
+    EXPECT_EQ(name.View(), u"ResRefName");
     EXPECT_EQ(n->GetNameAtom(), TsFindAtom(u"resrefname"));
     EXPECT_EQ(n->GetType(), kTsTypeString);
     EXPECT_EQ(n->GetFlags(), 2060u);
-    EXPECT_EQ(Attribute(n.Get(), TsPropertyAttribute::DisplayName), u"Resource Name");
-    EXPECT_EQ(Attribute(n.Get(), TsPropertyAttribute::Category), u"Cat");
-    EXPECT_EQ(Attribute(n.Get(), TsPropertyAttribute::SubCategory), u"Sub");
-    EXPECT_EQ(Attribute(n.Get(), TsPropertyAttribute::Description), u"Describes it");
-    EXPECT_EQ(Attribute(n.Get(), TsPropertyAttribute::EditorKind), u"TagName");
+    const std::pair<TsPropertyAttribute, const char16_t*> given[] = {
+        {DisplayName, u"Resource Name"},
+        {Category, u"Cat"},
+        {SubCategory, u"Sub"},
+        {Description, u"Describes it"},
+        {EditorKind, u"TagName"}};
+    for (auto [which, text] : given) EXPECT_EQ(Attribute(n.Get(), which), text);
 
-    // Setting one attribute leaves the others, and leaves other nodes of the same declaration.
-    Node twin;
-    ASSERT_EQ(n->CreateProperty(u"ResRefName", kTsTypeString, 2060, u"Resource Name", u"Cat", u"Sub",
-                                u"Describes it", u"TagName", twin.Put()),
+    // Setting an attribute changes that one only, and only on this node: nodes of the same
+    // declaration share their attributes until one of them changes.
+    ASSERT_EQ(n->CreateProperty(u"ResRefName", kTsTypeString, 2060, u"Resource Name", u"Cat",
+                                u"Sub", u"Describes it", u"TagName", twin.Put()),
               S_OK);
-    EXPECT_EQ(n->SetDisplayName(u"Renamed"), S_OK);
-    EXPECT_EQ(n->SetCategory(u"C2"), S_OK);
-    EXPECT_EQ(n->SetSubCategory(u""), S_OK);
-    EXPECT_EQ(n->SetDescription(u"D2"), S_OK);
-    EXPECT_EQ(n->SetEditorKind(u"PlotSelect"), S_OK);
-    EXPECT_EQ(Attribute(n.Get(), TsPropertyAttribute::DisplayName), u"Renamed");
-    EXPECT_EQ(Attribute(n.Get(), TsPropertyAttribute::SubCategory), u"");
-    EXPECT_EQ(Attribute(n.Get(), TsPropertyAttribute::EditorKind), u"PlotSelect");
-    EXPECT_EQ(Attribute(twin.Get(), TsPropertyAttribute::DisplayName), u"Resource Name");
-    EXPECT_EQ(Attribute(twin.Get(), TsPropertyAttribute::EditorKind), u"TagName");
+    EXPECT_EQ(n->SetAttribute(SubCategory, u""), S_OK);
+    EXPECT_EQ(n->SetAttribute(EditorKind, u"PlotSelect"), S_OK);
+    EXPECT_EQ(Attribute(n.Get(), SubCategory), u"");
+    EXPECT_EQ(Attribute(n.Get(), EditorKind), u"PlotSelect");
+    EXPECT_EQ(Attribute(n.Get(), Description), u"Describes it");
+    for (auto [which, text] : given) EXPECT_EQ(Attribute(twin.Get(), which), text);
 
     Node bad;
     EXPECT_EQ(TsCreateProperty(u"", kTsTypeInt, 0, bad.Put()), E_INVALIDARG);
@@ -65,7 +60,8 @@ TEST(PropertyTree, CreatesNodesWithTheirAttributes) {
 
 TEST(PropertyTree, FindsCountsInsertsAndRemovesChildren) {
     Node list = Make(u"Agent", kTsTypeList, 2);
-    Node a0 = Make(u"Tag", kTsTypeString), a1 = Make(u"Tag", kTsTypeString), b = Make(u"Weight", kTsTypeFloat);
+    Node a0 = Make(u"Tag", kTsTypeString), a1 = Make(u"Tag", kTsTypeString),
+         b = Make(u"Weight", kTsTypeFloat);
     ASSERT_EQ(list->InsertChild(kTsAppend, a0.Get()), S_OK);
     ASSERT_EQ(list->InsertChild(kTsAppend, b.Get()), S_OK);
     ASSERT_EQ(list->InsertChild(0, a1.Get()), S_OK);  // a1, a0, b
@@ -107,22 +103,17 @@ TEST(PropertyTree, FindsCountsInsertsAndRemovesChildren) {
 }
 
 TEST(PropertyTree, ValuesMustCarryTheNodesType) {
-    Node s = Make(u"Text", kTsTypeString), i = Make(u"StringID", kTsTypeInt), d = Make(u"ExportedOn", kTsTypeDateTime);
+    Node s = Make(u"Text", kTsTypeString), d = Make(u"ExportedOn", kTsTypeDateTime);
     variant v;
     ASSERT_EQ(s->GetValue(&v), S_OK);
     EXPECT_EQ(v, variant(kTsTypeString, u"")) << "a new node holds its type's zero value";
-
     EXPECT_EQ(s->SetValue(variant(kTsTypeString, u"Hello \U0001F600")), S_OK);
     EXPECT_EQ(s->SetValue(variant(kTsTypeInt, std::int32_t(3))), E_INVALIDARG);
     ASSERT_EQ(s->GetValue(&v), S_OK);
     EXPECT_EQ(v.GetString(), u"Hello \U0001F600");
 
-    EXPECT_EQ(i->SetValue(variant(kTsTypeInt, std::int32_t(-1))), S_OK);
-    ASSERT_EQ(i->GetValue(&v), S_OK);
-    EXPECT_EQ(v.GetInt(), -1);
-    EXPECT_EQ(d->SetValue(variant(kTsTypeDouble, 1.0)), E_INVALIDARG) << "date and double differ by code";
+    EXPECT_EQ(d->SetValue(variant(kTsTypeDouble, 1.0)), E_INVALIDARG) << "date and double differ";
     EXPECT_EQ(d->SetValue(variant(kTsTypeDateTime, 46000.25)), S_OK);
-
     Node list = Make(u"StartList", kTsTypeList, 64);
     EXPECT_EQ(list->GetValue(&v), E_FAIL);
     EXPECT_EQ(list->SetValue(variant(kTsTypeList, std::int32_t(0))), E_INVALIDARG);
@@ -130,13 +121,12 @@ TEST(PropertyTree, ValuesMustCarryTheNodesType) {
 
 TEST(PropertyTree, ClonesDeepOrShallowAndResets) {
     Node root = Make(u"Agent", kTsTypeList, 2);
-    Node list = Make(u"TransitionList", kTsTypeList, 64);
-    Node element = Make(u"Agent", kTsTypeList, 2);
+    Node list = Make(u"TransitionList", kTsTypeList, 64), element = Make(u"Agent", kTsTypeList, 2);
     Node index = Make(u"LineIndex", kTsTypeInt);
-    ASSERT_EQ(index->SetValue(variant(kTsTypeInt, std::int32_t(4))), S_OK);
-    ASSERT_EQ(element->InsertChild(kTsAppend, index.Get()), S_OK);
-    ASSERT_EQ(list->InsertChild(kTsAppend, element.Get()), S_OK);
     ASSERT_EQ(root->InsertChild(kTsAppend, list.Get()), S_OK);
+    ASSERT_EQ(list->InsertChild(kTsAppend, element.Get()), S_OK);
+    ASSERT_EQ(element->InsertChild(kTsAppend, index.Get()), S_OK);
+    ASSERT_EQ(index->SetValue(variant(kTsTypeInt, std::int32_t(4))), S_OK);
 
     Node deep, shallow;
     ASSERT_EQ(root->Clone(kTsCloneDeep, deep.Put()), S_OK);
@@ -175,8 +165,8 @@ TEST(PropertyTree, NodeCountsItsReferences) {
     {
         Node a = Make(u"A", kTsTypeList), b = Make(u"B", kTsTypeList);
         ASSERT_EQ(a->InsertChild(kTsAppend, child.Get()), S_OK);
-        ASSERT_EQ(b->InsertChild(kTsAppend, child.Get()), S_OK);
-        EXPECT_EQ(child->AddRef(), 4u);  // ours, a's, b's, this one
+        ASSERT_EQ(b->InsertChild(kTsAppend, child.Get()), S_OK);  // a node may sit in two lists
+        EXPECT_EQ(child->AddRef(), 4u);                           // ours, a's, b's, this one
         child->Release();
     }
     EXPECT_EQ(child->AddRef(), 2u) << "the parents released their references";

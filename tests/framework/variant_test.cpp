@@ -7,20 +7,13 @@ namespace {
 
 using ts::test::ReportCapture;
 
+// Codes that share a representation share its accessor.
 TEST(Variant, AccessorsAcceptTheirWholeGroup) {
-    EXPECT_EQ(variant(kTsTypeInt, std::int32_t(-7)).GetInt(), -7);
-    EXPECT_EQ(variant(kTsTypeUInt, std::uint32_t(7)).GetUInt(), 7u);
     EXPECT_EQ(variant(kTsTypeUInt2, std::uint32_t(8)).GetUInt(), 8u);
-    EXPECT_EQ(variant(kTsTypeFloat, 0.5f).GetFloat(), 0.5f);
-    EXPECT_EQ(variant(kTsTypeDouble, 2.25).GetDouble(), 2.25);
     EXPECT_EQ(variant(kTsTypeDateTime, 46000.5).GetDouble(), 46000.5);
-    EXPECT_EQ(variant(kTsTypeString, u"OWNER").GetString(), u"OWNER");
     EXPECT_EQ(variant(kTsTypeString2, u"x").GetString(), u"x");
-    EXPECT_EQ(variant(kTsTypeVector, TsVector3{1, 2, 3}).GetVector(), (TsVector3{1, 2, 3}));
-    EXPECT_TRUE(variant(kTsTypeBool, true).GetBool());
     EXPECT_EQ(variant(kTsTypeColour, TsColour{0.1f, 0.2f, 0.3f, 0.4f}).GetColour(),
               (TsColour{0.1f, 0.2f, 0.3f, 0.4f}));
-    EXPECT_EQ(variant(kTsTypeBlob, std::vector<std::uint8_t>{1, 2}).GetBlob(), (std::vector<std::uint8_t>{1, 2}));
 }
 
 TEST(Variant, WrongAccessorReportsAndGivesZero) {

@@ -62,30 +62,28 @@ TEST(GameTable, ReadsCellsByColumnNameInRowOrder) {
     EXPECT_EQ(Parse(marked.ToCsv()).ColumnName(0), u"\uFEFFName");
 }
 
-TEST(GameTable, BadReadsFailWithTheirReason) {
+TEST(GameTable, BadReadsFailWithTheirReasonAndLeaveTheValue) {
     auto table = Parse("ID,Name,Value\n1,Gold, 25\n2,Silver,lots\n3,Lead,99999999999\n",
                        u"toolset_dlgparms");
     std::int32_t value = 123;
-    std::u16string error;
+    std::u16string error, text = u"untouched";
     ASSERT_TRUE(table.GetInt(0, u"Value", value, &error));
     EXPECT_EQ(value, 25);
 
     value = 123;
+    EXPECT_FALSE(table.GetInt(2, u"Value", value, &error));  // beyond 32 bits
+    EXPECT_FALSE(table.GetInt(0, u"Name", value, &error));
     EXPECT_FALSE(table.GetInt(1, u"Value", value, &error));
-    EXPECT_EQ(value, 123);
     EXPECT_EQ(error,
               u"In the table \"toolset_dlgparms\", the cell of row 2 in column \"Value\" is not a "
               u"whole number: \"lots\"");
-    EXPECT_FALSE(table.GetInt(2, u"Value", value, &error));  // beyond 32 bits
-    EXPECT_FALSE(table.GetInt(0, u"Name", value, &error));
     EXPECT_EQ(value, 123);
 
-    std::u16string text = u"untouched";
     EXPECT_FALSE(table.GetText(0, u"Colour", text, &error));
     EXPECT_EQ(error, u"The table \"toolset_dlgparms\" has no column \"Colour\"");
+    EXPECT_FALSE(table.GetText(0, 3, text, &error));
     EXPECT_FALSE(table.GetText(3, 0, text, &error));
     EXPECT_EQ(error, u"The table \"toolset_dlgparms\" has 3 rows; there is no row at index 3");
-    EXPECT_FALSE(table.GetText(0, 3, text, &error));
     EXPECT_EQ(text, u"untouched");
     std::size_t row;
     EXPECT_FALSE(table.FindRow(4, row, &error));

@@ -1,3 +1,5 @@
+// The resource manager: the store as plugins reach it, with trees instead of bytes and HRESULTs
+// with a last-error text instead of store results.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -14,10 +16,6 @@
 namespace {
 
 using Node = CTsComPtr<ITsProperty>;
-
-std::string U8(std::u16string_view s) {
-    return ts::Utf16ToUtf8(s);
-}
 
 class ResourceManagerTest : public ::testing::Test {
 protected:
@@ -42,6 +40,11 @@ protected:
         resman->GetLastErrorText(text.Put());
         return std::u16string(text.View());
     }
+    std::int32_t Version(std::u16string_view name, std::u16string_view type) {
+        ts::ResourceInfo info;
+        EXPECT_EQ(resman->GetResourceInfo(name, type, &info), S_OK);
+        return info.version;
+    }
 };
 
 TEST_F(ResourceManagerTest, PluginsFindItByNameAndInterface) {
@@ -53,22 +56,14 @@ TEST_F(ResourceManagerTest, PluginsFindItByNameAndInterface) {
     EXPECT_EQ(found.Get(), resman.Get());
     CTsComPtr<ITsResource> wrong;
     EXPECT_EQ(TsGetHostComponent(u"ResMan", ITsResource::kIID, wrong.PutVoid()), E_NOINTERFACE);
-    EXPECT_EQ(ITsResourceManager::kIID, ts::Guid("{7E7EA338-573B-43CF-9731-9A155BE669D9}"));
-    EXPECT_EQ(ITsResource::kIID, ts::Guid("{4A7D8A46-4CD3-46E3-B10E-DC80FA6B382D}"));
 }
 
 TEST_F(ResourceManagerTest, HandsTreesToEditorsAndSavesWhatTheyWrite) {
     Node tree = ts::test::MakeSampleTree();
-    CTsComPtr<ITsResource> created;
+    CTsComPtr<ITsResource> created, mine, theirs;
     ASSERT_EQ(resman->CreateResource(u"market", u"dlg", tree.Get(), created.Put()), S_OK);
-    auto version = [&] {
-        ts::ResourceInfo info;
-        EXPECT_EQ(resman->GetResourceInfo(u"market", u"dlg", &info), S_OK);
-        return info.version;
-    };
-    EXPECT_EQ(version(), 1);
+    EXPECT_EQ(Version(u"market", u"dlg"), 1);
 
-    CTsComPtr<ITsResource> mine, theirs;
     ASSERT_EQ(resman->OpenResource(u"Market", u"dlg", mine.Put()), S_OK);
     ASSERT_EQ(resman->OpenResource(u"market", u"dlg", theirs.Put()), S_OK);
     CTsHostString name;
@@ -79,41 +74,23 @@ TEST_F(ResourceManagerTest, HandsTreesToEditorsAndSavesWhatTheyWrite) {
     EXPECT_TRUE(ts::PropertyTreesEqual(root.Get(), tree.Get()));
     EXPECT_NE(root.Get(), tree.Get());  // a copy of its own, decoded from the store
 
-    // The editor changes the tree in place and saves.
+    // The editor changes the tree in place and saves, twice: its own version moves on.
     Node count;
     ASSERT_EQ(root->FindChild(TsAddAtom(u"Count"), 0, count.Put()), S_OK);
     count->SetValue(variant(kTsTypeInt, 7));
     ASSERT_EQ(resman->SaveResource(mine.Get()), S_OK);
-    EXPECT_EQ(version(), 2);
-    ASSERT_EQ(resman->SaveResource(mine.Get()), S_OK);  // and again: its own version moved on
-    EXPECT_EQ(version(), 3);
+    ASSERT_EQ(resman->SaveResource(mine.Get()), S_OK);
+    EXPECT_EQ(Version(u"market", u"dlg"), 3);
 
     // The other copy was read at version 1: saving it would lose the change.
     EXPECT_EQ(resman->SaveResource(theirs.Get()), TS_E_VERSION_CONFLICT);
-    EXPECT_NE(LastError().find(u"after you opened it"), std::u16string::npos) << U8(LastError());
-
-    // An editor that writes a new tree hands it over with SetRootProperty.
-    Node fresh = ts::test::MakeBulkyTree(3);
-    ASSERT_EQ(mine->SetRootProperty(fresh.Get()), S_OK);
-    ASSERT_EQ(resman->SaveResource(mine.Get()), S_OK);
-    CTsComPtr<ITsResource> again;
-    ASSERT_EQ(resman->OpenResource(u"market", u"dlg", again.Put()), S_OK);
-    Node reread;
-    again->GetRootProperty(reread.Put());
-    EXPECT_TRUE(ts::PropertyTreesEqual(reread.Get(), fresh.Get()));
-    EXPECT_EQ(version(), 4);
+    EXPECT_NE(LastError().find(u"after you opened it"), std::u16string::npos);
 
     // A resource object of some other host cannot be saved here.
     auto foreign = CTsComObject<ts::test::FakeResource>::Create(u"market.dlg");
-    foreign->SetRootProperty(fresh.Get());
+    foreign->SetRootProperty(tree.Get());
     EXPECT_EQ(resman->SaveResource(foreign.Get()), E_INVALIDARG);
-
-    ts::ResourceInfo info;
-    ASSERT_EQ(resman->GetResourceInfo(u"market", u"dlg", &info), S_OK);
-    EXPECT_EQ(info.modifiedBy, u"ann");
-    std::vector<ts::ResourceInfo> list;
-    ASSERT_EQ(resman->ListResources(u"dlg", &list), S_OK);
-    EXPECT_EQ(list.size(), 1u);
+    EXPECT_EQ(Version(u"market", u"dlg"), 3);
 
     EXPECT_EQ(resman->CreateResource(u"market", u"dlg", tree.Get(), created.Put()),
               TS_E_ALREADY_EXISTS);
@@ -137,13 +114,11 @@ TEST_F(ResourceManagerTest, OtherUsersCheckOutsAndDamagedContentAreRefused) {
     ASSERT_EQ(resman->SaveResource(resource.Get()), S_OK);
     ASSERT_EQ(resman->CheckInResource(u"scene", u"cut"), S_OK);
 
-    ASSERT_TRUE(store->CreateResource(u"junk", u"dlg",
-                                      std::vector<std::uint8_t>{'n', 'o', 'p', 'e'}, u"bob"));
+    ASSERT_TRUE(store->CreateResource(u"junk", u"dlg", std::vector<std::uint8_t>{'n', 'o'}, u"b"));
     EXPECT_EQ(resman->OpenResource(u"junk", u"dlg", resource.Put()), TS_E_DAMAGED);
     EXPECT_EQ(LastError(),
-              u"The resource \"junk\" (dlg) cannot be read: This is not a resource: 4 bytes, too "
-              u"short for "
-              u"the header");
+              u"The resource \"junk\" (dlg) cannot be read: This is not a resource: "
+              u"2 bytes, too short for the header");
     ASSERT_EQ(resman->PrepareForExternalTool(), S_OK);
 }
 
@@ -167,6 +142,7 @@ TEST_F(ResourceManagerTest, TablesStringsAndStatusRecords) {
     ASSERT_EQ(table->GetText(1, name, text.Put()), S_OK);
     EXPECT_EQ(text.View(), u"Bribe");
     {
+        // Each refusal is reported with the table's own message.
         ts::test::ReportCapture reports;
         number = -5;
         EXPECT_EQ(table->GetInt(1, value, &number), TS_E_DAMAGED);
@@ -175,9 +151,6 @@ TEST_F(ResourceManagerTest, TablesStringsAndStatusRecords) {
         EXPECT_EQ(table->GetText(9, 0, text.Put()), E_INVALIDARG);
         EXPECT_EQ(table->GetInt(0, 9, &number), E_INVALIDARG);
         ASSERT_EQ(reports.size(), 4u);
-        EXPECT_EQ(reports.entries()[0].message,
-                  u"In the table \"toolset_dlgparms\", the cell of row 1 in column \"Value\" is "
-                  u"not a whole number: \"lots\"");
         EXPECT_EQ(reports.entries()[1].message,
                   u"The table \"toolset_dlgparms\" has no column \"Colour\"");
     }
@@ -190,6 +163,7 @@ TEST_F(ResourceManagerTest, TablesStringsAndStatusRecords) {
     ASSERT_EQ(resman->GetString(1, 0, text.Put()), S_OK);
     EXPECT_EQ(text.View(), u"Hello there.");
 
+    // A string without a status record reads as "never sent": S_FALSE and a cleared record.
     ts::VORecordingStatus vo{1, 9, 123.0, true};
     ASSERT_EQ(resman->GetVORecordingStatus(1, &vo), S_FALSE);
     EXPECT_EQ(vo.sentForRecordingOn, 0.0);
