@@ -1,20 +1,22 @@
+// The command-line host run as a writer runs it, as a separate program: building the demo module,
+// moving resources out and in as JSON, reports, checks of damaged modules and bad input.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
-#include "run_cli.h"
 #include "support/test_folders.h"
 #include "ts/configuration.h"
 #include "ts/resourcestore.h"
+#include "ts/text.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using ts::test::CliRun;
-using ts::test::RunCli;
 
 bool Has(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
@@ -25,6 +27,35 @@ std::string Slurp(const std::string& path) {
     std::ostringstream s;
     s << in.rdbuf();
     return s.str();
+}
+
+struct CliRun {
+    int exitCode = -1;
+    std::string out, err;
+};
+
+// Runs the command-line host with these arguments, each quoted for the shell (none holds a
+// quote), waits for it and collects what it printed. A crash gives -1 or a code above 128, never
+// one of the host's own (0, 1, 2).
+CliRun RunCli(const std::vector<std::string>& args) {
+    static const std::string folder = ts::test::MakeTempFolder("ts-cli-output");
+    std::string command = "'" TS_CLI_PATH "'";
+    for (const auto& a : args) command += " '" + a + "'";
+    int status = std::system((command + " >" + folder + "/out 2>" + folder + "/err").c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Slurp(folder + "/out"),
+            Slurp(folder + "/err")};
+}
+
+// The bytes a module stores for the resource NAME.TYPE.
+std::vector<std::uint8_t> Stored(const std::string& module, const std::string& name) {
+    auto store = ts::OpenSqliteStore(module, {});
+    std::u16string resource = ts::Utf8ToUtf16(name);
+    auto dot = resource.rfind(u'.');
+    std::vector<std::uint8_t> bytes;
+    EXPECT_TRUE(store &&
+                store->ReadResource(resource.substr(0, dot), resource.substr(dot + 1), bytes))
+        << module << ": " << name;
+    return bytes;
 }
 
 // The demo module made by the host, as a writer would make it.
@@ -39,50 +70,38 @@ protected:
         EXPECT_TRUE(Has(made.out, "Made the module")) << made.out;
     }
     void TearDown() override { fs::remove_all(folder); }
-
-    // An empty module to import into.
-    std::string EmptyModule(const std::string& name) {
-        std::string sources = folder + "/" + name + "-sources";
-        fs::create_directories(sources);
-        std::string path = folder + "/" + name + ".tsmod";
-        EXPECT_EQ(RunCli({"module", "create", sources, path}).exitCode, 0);
-        return path;
-    }
-
-    std::vector<std::string> ResourceNames(const std::string& module) {
-        std::vector<std::string> names;
-        std::istringstream lines(RunCli({"list", module}).out);
-        for (std::string line; std::getline(lines, line);)
-            names.push_back(line.substr(0, line.find("  ")));
-        return names;
-    }
 };
 
+// Every demo resource goes out in both JSON forms and comes back into empty modules as the same
+// bytes: decoding, writing, reading and encoding lose nothing and are stable.
 TEST_F(ToolsetCli, ExportAndImportCarryEveryDemoResourceUnchanged) {
+    fs::create_directories(folder + "/empty");
+    fs::create_directories(folder + "/exact");
+    std::string copy = folder + "/copy.tsmod", exactCopy = folder + "/exact.tsmod";
+    for (const std::string& module : {copy, exactCopy})
+        ASSERT_EQ(RunCli({"module", "create", folder + "/empty", module}).exitCode, 0);
+    CliRun dlg = RunCli({"list", demo, "dlg"});
+    EXPECT_EQ(std::count(dlg.out.begin(), dlg.out.end(), '\n'), 2);
     CliRun listed = RunCli({"list", demo});
     ASSERT_EQ(listed.exitCode, 0);
     EXPECT_TRUE(Has(listed.out, "orla_welcome.dlg  version 1")) << listed.out;
-    CliRun dlg = RunCli({"list", demo, "dlg"});
-    EXPECT_EQ(std::count(dlg.out.begin(), dlg.out.end(), '\n'), 2);
-
-    std::string copy = EmptyModule("copy");
-    auto names = ResourceNames(demo);
-    ASSERT_GE(names.size(), 14u);
-    for (const std::string& name : names) {
+    std::istringstream lines(listed.out);
+    int count = 0;
+    for (std::string line; std::getline(lines, line); ++count) {
+        std::string name = line.substr(0, line.find("  "));
         SCOPED_TRACE(name);
-        std::string file = folder + "/" + name + ".json";
-        CliRun exported = RunCli({"export", demo, name, file, "--short"});
-        ASSERT_EQ(exported.exitCode, 0) << exported.err;
-        CliRun imported = RunCli({"import", copy, file});
-        ASSERT_EQ(imported.exitCode, 0) << imported.err;
-        EXPECT_TRUE(Has(imported.out, "Imported " + name)) << imported.out;
-        // The exact form shows every name, flag, attribute and value: both modules agree.
-        CliRun original = RunCli({"export", demo, name});
-        CliRun copied = RunCli({"export", copy, name});
-        ASSERT_EQ(original.exitCode, 0);
-        EXPECT_EQ(original.out, copied.out);
-        EXPECT_EQ(Slurp(file), RunCli({"export", copy, name, "--short"}).out);
+        std::string brief = folder + "/" + name + ".json",
+                    exact = folder + "/exact/" + name + ".json";
+        ASSERT_EQ(RunCli({"export", demo, name, brief, "--short"}).exitCode, 0);
+        ASSERT_EQ(RunCli({"export", demo, name, exact}).exitCode, 0);
+        EXPECT_FALSE(Has(Slurp(brief), "\"root\"")) << "every demo resource has a short form";
+        CliRun imported = RunCli({"import", copy, brief});
+        EXPECT_TRUE(Has(imported.out, "Imported " + name)) << imported.err;
+        EXPECT_EQ(RunCli({"import", exactCopy, exact}).exitCode, 0);
+        EXPECT_EQ(Stored(copy, name), Stored(demo, name));
+        EXPECT_EQ(Stored(exactCopy, name), Stored(demo, name));
     }
+    EXPECT_GE(count, 14);
 
     std::string file = folder + "/orla.utc.json";
     CliRun again = RunCli({"import", copy, file});
@@ -98,17 +117,26 @@ TEST_F(ToolsetCli, ExportAndImportCarryEveryDemoResourceUnchanged) {
     EXPECT_TRUE(Has(checked.out, "The module is sound")) << checked.out;
 }
 
+// The report also holds the demo to what it is for: each conversation shows off starts, links,
+// a comment, an ambient branch and lines sent for voice-over.
 TEST_F(ToolsetCli, TheReportSummarisesTheModule) {
     CliRun report = RunCli({"report", demo});
     ASSERT_EQ(report.exitCode, 0) << report.err;
-    EXPECT_TRUE(Has(report.out, "Module \"Demo: The Drowned Lantern\" (id 1)")) << report.out;
-    EXPECT_TRUE(Has(report.out, "dlg (conversation): 2"));
-    EXPECT_TRUE(Has(report.out, "orla_welcome  (version 1,"));
-    EXPECT_TRUE(Has(report.out,
-                    "3 starts, 10 NPC and 10 player lines, 5 links, 1 comment, 1 ambient branch, 6 "
-                    "sent for voice-over"));
-    EXPECT_TRUE(Has(report.out, "toolset_dlglang: 3 rows, 3 columns"));
-    EXPECT_TRUE(Has(report.out, "Check: every resource and table reads back whole."));
+    for (const char* part : {
+             "Module \"Demo: The Drowned Lantern\" (id 1)",
+             "dlg (conversation): 2",
+             "orla_welcome  (version 1,",
+             "3 starts, 10 NPC and 10 player lines, 5 links, 1 comment, 1 ambient branch, 6 sent "
+             "for voice-over",
+             "4 starts, 10 NPC and 8 player lines, 2 links, 1 comment, 1 ambient branch, 3 sent "
+             "for voice-over",
+             "Tables: 8",
+             "toolset_dlglang: 3 rows, 3 columns",
+             "Strings: 41 texts of 35 string ids in 3 languages; 9 voice-over and 5 localization "
+             "status records",
+             "Check: every resource and table reads back whole.",
+         })
+        EXPECT_TRUE(Has(report.out, part)) << part << "\nin:\n" << report.out;
 }
 
 // Damage in one resource is reported for that resource alone; the others still read.
@@ -204,6 +232,23 @@ TEST_F(ToolsetCli, BadInputGetsAClearMessageAndAnExitCode) {
     CliRun help = RunCli({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_TRUE(Has(help.out, "module create SOURCES MODULE"));
+}
+
+// The host lists the plugins it finds with each class as the definition states it, read from the
+// library file: its id as written, description, flags and patterns.
+TEST(ToolsetCliPlugins, ListsTheClassesOfTheConversationEditor) {
+    CliRun run = RunCli({"plugins"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_TRUE(Has(run.out,
+                    "  libEditorDlg.so: loaded\n"
+                    "    {00AFAF9F-EBA6-4DD2-BE63-1B6C33076D02}  Conversation Editor  "
+                    "\"ConversationEditor\"\n"
+                    "    {6E3D0619-3A01-4d28-A05A-62CED6F22A73}  Conversation Line Preview  "
+                    "[ToolWindow]  \"ConversationLinePreview\"\n"))
+        << run.out;
+    run = RunCli({"plugins", "/nonexistent/plugins"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(Has(run.err, "the plugins folder \"/nonexistent/plugins\" does not exist"));
 }
 
 }  // namespace

@@ -1,26 +1,35 @@
+// Building a module file from a folder of sources: what it stores, every fault it reports, and
+// that a failed build leaves no module, or the earlier one, behind. Then the demo module built from
+// data/demo: what its conversations refer to exists, and the deliberately faulty lines are still
+// in place. The command-line host's tests (tests/cli) carry every demo resource through JSON and
+// back, and check what each conversation shows off (starts, links, comments, ambient branches,
+// voice-over) through the report.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 
+#include "agents/agentconversation.h"
+#include "agents/agentplot.h"
+#include "agents/agentstage.h"
 #include "agents/resourceschemas.h"
+#include "support/demo_module.h"
 #include "support/test_folders.h"
 #include "ts/modulebuilder.h"
+#include "ts/resourcecodec.h"
 #include "ts/text.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string U8(const std::u16string& s) {
-    return ts::Utf16ToUtf8(s);
-}
-
 class ModuleBuilder : public ::testing::Test {
 protected:
     std::string root = ts::test::MakeTempFolder("ts-build");
     std::string sources = root + "/sources";
     std::string module = root + "/out.tsmod";
+    ts::ModuleBuildSummary summary;
+    std::vector<std::u16string> problems;
 
     void SetUp() override {
         Write("module.json", R"({"name": "Harbour", "moduleId": 7})");
@@ -46,19 +55,19 @@ protected:
         std::ofstream(sources + "/" + name, std::ios::binary | std::ios::trunc) << text;
     }
 
-    bool Build(std::vector<std::u16string>& problems, bool overwrite = false) {
+    bool Build(bool overwrite = false) {
         ts::ModuleBuildOptions options;
         options.overwrite = overwrite;
         options.schemas = ts::ResourceSchemas();
         options.user = u"builder";
-        ts::ModuleBuildSummary summary;
+        problems.clear();
         return ts::BuildModule(sources, module, options, summary, problems);
     }
 
-    std::u16string All(const std::vector<std::u16string>& problems) {
+    std::string AllProblems() const {
         std::u16string all;
         for (const auto& p : problems) all += p + u"\n";
-        return all;
+        return ts::Utf16ToUtf8(all);
     }
 
     bool LeftoverFiles() {
@@ -69,12 +78,7 @@ protected:
 };
 
 TEST_F(ModuleBuilder, BuildsEverythingTheSourcesHold) {
-    ts::ModuleBuildOptions options;
-    options.schemas = ts::ResourceSchemas();
-    options.user = u"builder";
-    ts::ModuleBuildSummary summary;
-    std::vector<std::u16string> problems;
-    ASSERT_TRUE(ts::BuildModule(sources, module, options, summary, problems)) << U8(All(problems));
+    ASSERT_TRUE(Build()) << AllProblems();
     EXPECT_EQ(summary.resources, 2);
     EXPECT_EQ(summary.tables, 1);
     EXPECT_EQ(summary.strings, 2);  // the line's own text and its translation
@@ -107,58 +111,152 @@ TEST_F(ModuleBuilder, ReportsEveryFaultAndLeavesNoModuleBehind) {
     Write("localization_status.csv",
           "ID,StringID,ModuleResRefVersionID,ExportedOn,RequiresReTranslation\n1,99,1,2024-01-02,"
           "false\n2,10,1,soon,false\n");
-    std::vector<std::u16string> problems;
-    EXPECT_FALSE(Build(problems));
-    std::u16string all = All(problems);
-    for (const char16_t* expected : {
-             u"resources/broken.dlg.json: line 1, column 42: expected a key in double quotes",
-             u"resources/typo.plo.json: line 1, column 26: a plot has no field \"StatusLst\"",
-             u"resources/noext.json: the file name does not give the resource type",
-             u"resources/other.dlg.json: the string id 10 (language 0) has two different texts: "
-             u"\"Ships out.\" here and "
-             u"\"Ships in.\" in resources/docks.dlg.json (docks)",
-             u"tables/poses.csv: line 3: the row id 1 is used twice (first on line 2)",
-             u"localization_status.csv: row 1: Could not store the localization status of string "
-             u"99: the module has no "
-             u"such string id",
-             u"localization_status.csv: row 2: \"soon\" is not a date (YYYY-MM-DD)",
+    EXPECT_FALSE(Build());
+    std::string all = AllProblems();
+    for (const char* expected : {
+             "resources/broken.dlg.json: line 1, column 42: expected a key in double quotes",
+             "resources/typo.plo.json: line 1, column 26: a plot has no field \"StatusLst\"",
+             "resources/noext.json: the file name does not give the resource type",
+             "resources/other.dlg.json: the string id 10 (language 0) has two different texts: "
+             "\"Ships out.\" here and \"Ships in.\" in resources/docks.dlg.json (docks)",
+             "tables/poses.csv: line 3: the row id 1 is used twice (first on line 2)",
+             "localization_status.csv: row 1: Could not store the localization status of string "
+             "99: the module has no such string id",
+             "localization_status.csv: row 2: \"soon\" is not a date (YYYY-MM-DD)",
          })
-        EXPECT_NE(all.find(expected), std::u16string::npos)
-            << "missing: " << U8(expected) << "\nin:\n"
-            << U8(all);
-    EXPECT_EQ(problems.size(), 7u) << U8(all);
+        EXPECT_NE(all.find(expected), std::string::npos) << "missing: " << expected << "\nin:\n"
+                                                         << all;
+    EXPECT_EQ(problems.size(), 7u) << all;
     EXPECT_FALSE(fs::exists(module));
     EXPECT_FALSE(LeftoverFiles());
 }
 
 TEST_F(ModuleBuilder, ReplacesAModuleOnlyWhenAskedAndOnlyWhole) {
-    std::vector<std::u16string> problems;
-    ASSERT_TRUE(Build(problems)) << U8(All(problems));
+    ASSERT_TRUE(Build()) << AllProblems();
     auto size = fs::file_size(module);
-
-    EXPECT_FALSE(Build(problems));
+    EXPECT_FALSE(Build());
     ASSERT_EQ(problems.size(), 1u);
     EXPECT_NE(problems[0].find(u"already exists"), std::u16string::npos);
 
     // A faulty rebuild leaves the earlier module as it was.
     Write("resources/bad.dlg.json", "{");
-    EXPECT_FALSE(Build(problems, true));
+    EXPECT_FALSE(Build(true));
     EXPECT_EQ(fs::file_size(module), size);
     EXPECT_TRUE(ts::OpenSqliteStore(module, {}));
 
     fs::remove(sources + "/resources/bad.dlg.json");
     Write("resources/extra.nss.json", R"({"fields": {}})");
-    ASSERT_TRUE(Build(problems, true)) << U8(All(problems));
+    ASSERT_TRUE(Build(true)) << AllProblems();
     auto store = ts::OpenSqliteStore(module, {});
     ASSERT_TRUE(store);
     ts::ResourceInfo info;
     EXPECT_TRUE(store->GetResourceInfo(u"extra", u"nss", info));
 
-    std::vector<std::u16string> none;
-    EXPECT_FALSE(ts::BuildModule(root + "/nowhere", root + "/x.tsmod", {},
-                                 *std::make_unique<ts::ModuleBuildSummary>(), none));
-    ASSERT_EQ(none.size(), 1u);
-    EXPECT_NE(none[0].find(u"does not exist"), std::u16string::npos);
+    sources = root + "/nowhere";
+    EXPECT_FALSE(Build(true));
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_NE(problems[0].find(u"does not exist"), std::u16string::npos);
+}
+
+using Node = CTsComPtr<ITsProperty>;
+
+std::string U8(const std::u16string& s) {
+    return ts::Utf16ToUtf8(s);
+}
+
+// Every resource a demo conversation names, as the editor collects them for its reference lists,
+// exists in the module with the type the field calls for.
+TEST_F(ModuleBuilder, TheDemoConversationsReferToWhatExistsAndKeepTheirDeliberateFaults) {
+    ASSERT_TRUE(ts::test::BuildDemoModule(module));
+    auto store = ts::OpenSqliteStore(module, {});
+    ASSERT_TRUE(store);
+    auto Load = [&](std::u16string_view name, std::u16string_view type) {
+        std::vector<std::uint8_t> bytes;
+        Node root;
+        EXPECT_TRUE(store->ReadResource(name, type, bytes)) << U8(std::u16string(name));
+        EXPECT_TRUE(ts::DecodeResource(bytes, root));
+        return root;
+    };
+    using C = CAgentConversation;
+    using L = CAgentConversationLine;
+    const std::pair<bool (C::*)(std::u16string&) const, const char16_t*> conversationFields[] = {
+        {&C::GetEndConversationScriptURI, u"nss"},
+        {&C::GetEndConversationPlotURI, u"plo"},
+        {&C::GetStageURI, u"stg"},
+        {&C::GetPreviewAreaURI, u"are"}};
+    const std::pair<bool (L::*)(std::u16string&) const, const char16_t*> lineFields[] = {
+        {&L::GetConditionScriptURI, u"nss"}, {&L::GetActionScriptURI, u"nss"},
+        {&L::GetConditionPlotURI, u"plo"},   {&L::GetActionPlotURI, u"plo"},
+        {&L::GetStageURI, u"stg"},           {&L::GetCustomCutsceneURI, u"cut"},
+        {&L::GetPreviewAreaURI, u"are"}};
+    int references = 0;
+    auto mustExist = [&](bool read, const std::u16string& name, const char16_t* type) {
+        ts::ResourceInfo info;
+        EXPECT_TRUE(read);
+        if (name.empty()) return;
+        ++references;
+        EXPECT_TRUE(store->GetResourceInfo(name, type, info)) << U8(name) << "." << U8(type);
+    };
+
+    std::vector<ts::ResourceInfo> conversations;
+    ASSERT_TRUE(store->ListResources(u"dlg", conversations));
+    ASSERT_GE(conversations.size(), 2u);
+    int tooLong = 0, missingFlags = 0, ambientPlayerText = 0, unplacedSpeakers = 0;
+    for (const auto& info : conversations) {
+        SCOPED_TRACE(U8(info.name));
+        Node root = Load(info.name, u"dlg");
+        C conversation(root.Get());
+        std::u16string value, speaker, text;
+        for (const auto& [get, type] : conversationFields)
+            mustExist((conversation.*get)(value), value, type);
+        auto lineAt = [&](bool npc, std::uint32_t index) {
+            Node node;
+            EXPECT_TRUE(npc ? conversation.GetNPCLineListItem(index, node)
+                            : conversation.GetPlayerLineListItem(index, node));
+            return L(node.Get());
+        };
+        for (bool npc : {true, false}) {
+            std::uint32_t count =
+                npc ? conversation.NPCLineListCount() : conversation.PlayerLineListCount();
+            for (std::uint32_t i = 0; i < count; ++i) {
+                L line = lineAt(npc, i);
+                for (const auto& [get, type] : lineFields)
+                    mustExist((line.*get)(value), value, type);
+
+                // The deliberately faulty lines that validation is to find.
+                std::int32_t flag = -1;
+                CAgentPlotStatus status;
+                if (line.GetActionPlotURI(value) && !value.empty() &&
+                    line.GetActionPlotFlag(flag) && flag >= 0 &&
+                    !CAgentPlot(Load(value, u"plo").Get()).FindStatus(flag, status))
+                    ++missingFlags;
+                if (!npc && line.GetText(text) && text.size() > 60) ++tooLong;
+                CAgentStagePlace place;
+                if (npc && line.GetStageURI(value) && !value.empty() && line.GetSpeaker(speaker) &&
+                    !speaker.empty() &&
+                    !CAgentStage(Load(value, u"stg").Get()).FindPlace(speaker, place))
+                    ++unplacedSpeakers;
+                bool ambient = false;
+                if (!npc || !line.GetAmbient(ambient) || !ambient) continue;
+                for (std::uint32_t t = 0; t < line.TransitionListCount(); ++t) {
+                    Node node;
+                    bool link = false;
+                    std::int32_t child = -1;
+                    line.GetTransitionListItem(t, node);
+                    CAgentConversationTransition(node.Get()).GetIsLink(link);
+                    CAgentConversationTransition(node.Get()).GetLineIndex(child);
+                    if (!link && lineAt(false, static_cast<std::uint32_t>(child)).GetText(text) &&
+                        !text.empty())
+                        ++ambientPlayerText;  // an ambient line's player answer must be empty
+                }
+            }
+        }
+    }
+    EXPECT_GE(references, 15) << "the lines that name resources were read";
+    EXPECT_GE(tooLong, 1);
+    EXPECT_GE(missingFlags, 1);
+    EXPECT_GE(ambientPlayerText, 1);
+    EXPECT_GE(unplacedSpeakers, 1);
 }
 
 }  // namespace
