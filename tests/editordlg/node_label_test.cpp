@@ -1,36 +1,37 @@
 #include <gtest/gtest.h>
 
 #include "model/node_label.h"
+#include "ts/text.h"
 
 namespace {
 
-using dlg::LabelInput;
 using dlg::MakeLabel;
 
-TEST(NodeLabel, NpcLinesNameTheirSpeakerOrShowTheirComment) {
-    EXPECT_EQ(MakeLabel({true, u"Halt!", u"guard", u"", u"OWNER", false}).text, u"[guard] Halt!");
-    EXPECT_EQ(MakeLabel({true, u"Halt!", u"", u"", u"OWNER", false}).text, u"[[OWNER]] Halt!");
-    EXPECT_EQ(MakeLabel({true, u"Halt!", u"", u"", u"", false}).text, u"[(default)] Halt!");
-
-    auto comment = MakeLabel({true, u"", u"guard", u"Branch for thieves", u"OWNER", true});
-    EXPECT_EQ(comment.text, u"[COMMENT] Branch for thieves");
-    EXPECT_TRUE(comment.isComment);
-    auto bare = MakeLabel({true, u"", u"guard", u"", u"OWNER", false});
-    EXPECT_EQ(bare.text, u"[guard]") << "empty text and no comment: the prefix alone";
-    EXPECT_FALSE(bare.isComment);
-}
-
-TEST(NodeLabel, PlayerLinesShowHowTheConversationGoesOn) {
-    EXPECT_EQ(MakeLabel({false, u"Farewell.", u"", u"", u"", false}).text, u"Farewell. [END DIALOGUE]");
-    EXPECT_EQ(MakeLabel({false, u"", u"", u"", u"", true}).text, u"[CONTINUE]");
-    EXPECT_EQ(MakeLabel({false, u"Tell me more.", u"", u"", u"", true}).text, u"Tell me more.");
-    EXPECT_EQ(MakeLabel({false, u"", u"", u"", u"", false}).text, u"[END DIALOGUE]");
-    EXPECT_FALSE(MakeLabel({false, u"", u"", u"a comment", u"", true}).isComment) << "only NPC lines";
+TEST(NodeLabel, NpcLinesNameTheirSpeakerPlayerLinesHowTheConversationGoesOn) {
+    // kind, text, speaker, comment, default owner, has children -> label
+    const std::pair<dlg::LabelInput, std::u16string> cases[] = {
+        {{true, u"Halt!", u"guard", u"", u"OWNER", false}, u"[guard] Halt!"},
+        {{true, u"Halt!", u"", u"", u"OWNER", false}, u"[[OWNER]] Halt!"},
+        {{true, u"Halt!", u"", u"", u"", false}, u"[(default)] Halt!"},
+        {{true, u"", u"guard", u"For thieves", u"OWNER", true}, u"[COMMENT] For thieves"},
+        {{true, u"", u"guard", u"", u"OWNER", false}, u"[guard]"},  // the prefix alone
+        {{false, u"Farewell.", u"", u"", u"", false}, u"Farewell. [END DIALOGUE]"},
+        {{false, u"", u"", u"", u"", true}, u"[CONTINUE]"},
+        {{false, u"Tell me more.", u"", u"", u"", true}, u"Tell me more."},
+        {{false, u"", u"", u"", u"", false}, u"[END DIALOGUE]"},
+        {{false, u"", u"", u"a comment", u"", true}, u"[CONTINUE]"},  // only NPC lines show one
+    };
+    for (const auto& [input, text] : cases) {
+        dlg::Label label = MakeLabel(input);
+        EXPECT_EQ(label.text, text) << ts::Utf16ToUtf8(text);
+        EXPECT_EQ(label.isComment, text.starts_with(u"[COMMENT]")) << ts::Utf16ToUtf8(text);
+    }
 }
 
 TEST(NodeLabel, CutsTextThenLabelWithoutSplittingPairs) {
     std::u16string text(300, u'x');
-    EXPECT_EQ(MakeLabel({true, text, u"guard", u"", u"", false}).text, u"[guard] " + std::u16string(200, u'x'));
+    EXPECT_EQ(MakeLabel({true, text, u"guard", u"", u"", false}).text,
+              u"[guard] " + std::u16string(200, u'x'));
 
     // A long speaker tag pushes the label past 250: it is cut there.
     std::u16string speaker(100, u's');
@@ -40,8 +41,7 @@ TEST(NodeLabel, CutsTextThenLabelWithoutSplittingPairs) {
 
     // Text of 199 units then an emoji: the cut at 200 would split the pair, so it keeps 199.
     std::u16string emoji = std::u16string(199, u'y') + u"\U0001F600";
-    auto cut = MakeLabel({false, emoji, u"", u"", u"", true}).text;
-    EXPECT_EQ(cut, std::u16string(199, u'y'));
+    EXPECT_EQ(MakeLabel({false, emoji, u"", u"", u"", true}).text, std::u16string(199, u'y'));
 }
 
 }  // namespace

