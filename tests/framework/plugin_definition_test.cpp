@@ -46,17 +46,14 @@ TEST(PluginDefinition, ReadsEveryClassWithItsAttributesAndPatterns) {
     EXPECT_EQ(editor.Attribute(u"tsPlugin.pattern.text"), u"ConversationEditor")
         << "the first pattern";
     EXPECT_FALSE(editor.Attribute(u"tsPlugin.flags"));
-    EXPECT_TRUE(editor.MatchesPattern(u"conversationeditor"));
-    EXPECT_TRUE(editor.MatchesPattern(u"DlgAnything"));
-    EXPECT_FALSE(editor.MatchesPattern(u"ConversationEditors"));
 
     const auto& preview = definition.classes[1];
     EXPECT_EQ(preview.clsidText, u"{6e3d0619-3a01-4d28-a05a-62ced6f22a73}");
     EXPECT_EQ(preview.description, u"Preview & Play");
-    EXPECT_EQ(preview.threadingModel, u"");
     EXPECT_EQ(preview.Attribute(u"tsPlugin.flags"), u"ToolWindow");
     EXPECT_EQ(preview.Attribute(u"tsPlugin.dock"), u"right");
-    // Patterns match whole names; an empty pattern matches nothing.
+    // Wildcards match within whole names (case and wholeness are held by the loader's tests); an
+    // empty pattern matches nothing.
     for (const char16_t* name : {u"ConversationEditor", u"ConvEditor", u"StageAB"})
         EXPECT_TRUE(preview.MatchesPattern(name)) << ts::Utf16ToUtf8(name);
     for (const char16_t* name : {u"ConversationEditorX", u"StageA", u""})
@@ -64,16 +61,11 @@ TEST(PluginDefinition, ReadsEveryClassWithItsAttributesAndPatterns) {
 }
 
 TEST(PluginDefinition, EachFaultHasItsMessage) {
-    struct Case {
-        std::string xml;
-        std::u16string words;
-    };
-    const Case cases[] = {
-        {"", u"empty"},
+    // (Malformed XML in a library is met by the loader's tests.)
+    const std::pair<std::string, std::u16string> cases[] = {
         {std::string(3, '\0'), u"empty"},
-        {"<pluginDefinitions><plugins>", u"not well-formed XML: no element found at line 1"},
-        {"<pluginDefinitions>\n<plugins>\n</plugin>\n</pluginDefinitions>",
-         u"mismatched tag at line 3"},
+        {std::string("<pluginDefinitions>\0<plugins/></pluginDefinitions>", 49),
+         u"not well-formed XML"},
         {"<definitions/>", u"root element is \"definitions\", not \"pluginDefinitions\""},
         {Definition(""), u"lists no plugin class"},
         {Definition("<plugin description=\"No id\"/>"),
@@ -84,15 +76,13 @@ TEST(PluginDefinition, EachFaultHasItsMessage) {
         {Definition("<plugin clsid=\"{00AFAF9F-EBA6-4DD2-BE63-1B6C33076D02}\"/>"
                     "<plugin clsid=\"{00afaf9f-eba6-4dd2-be63-1b6c33076d02}\"/>"),
          u"is defined twice"},
-        {std::string("<pluginDefinitions>\0<plugins/></pluginDefinitions>", 49),
-         u"not well-formed XML"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [xml, words] : cases) {
         ts::PluginDefinition definition;
         definition.classes.emplace_back();  // whatever was there is cleared
         std::u16string error;
-        EXPECT_FALSE(ts::ParsePluginDefinition(c.xml, definition, error)) << c.xml;
-        EXPECT_NE(error.find(c.words), std::u16string::npos) << ts::Utf16ToUtf8(error);
+        EXPECT_FALSE(ts::ParsePluginDefinition(xml, definition, error)) << xml;
+        EXPECT_NE(error.find(words), std::u16string::npos) << ts::Utf16ToUtf8(error);
         EXPECT_TRUE(definition.classes.empty());
     }
 }
@@ -106,63 +96,54 @@ TEST(PluginDefinition, AnUnknownClassHasNoAttributes) {
     EXPECT_EQ(TsGetPluginAttribute(GUID_NULL, u"description", nullptr), E_POINTER);
 }
 
-class DamagedLibraries : public ::testing::Test {
-protected:
-    void SetUp() override { folder_ = ts::test::MakeTempFolder("ts-elf"); }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
+std::string ElfHeader(std::uint16_t type, std::uint64_t sectionOffset, std::uint16_t count,
+                      std::uint16_t names, unsigned char order = ELFDATA2LSB) {
+    Elf64_Ehdr h{};
+    std::memcpy(h.e_ident, ELFMAG, SELFMAG);
+    h.e_ident[EI_CLASS] = ELFCLASS64;
+    h.e_ident[EI_DATA] = order;
+    h.e_type = type;
+    h.e_shoff = sectionOffset;
+    h.e_shentsize = sizeof(Elf64_Shdr);
+    h.e_shnum = count;
+    h.e_shstrndx = names;
+    return std::string(reinterpret_cast<const char*>(&h), sizeof h);
+}
 
-    std::string Write(const std::string& name, const std::string& bytes) {
-        std::string path = folder_ + "/" + name;
-        std::ofstream(path, std::ios::binary) << bytes;
-        return path;
-    }
-    std::u16string ErrorOf(const std::string& path) {
+// Damage the plugin loader's own tests leave out (text files, truncated libraries and libraries
+// without a definition are among the plugins there).
+TEST(DamagedLibraries, AreDescribedNotCrashedOn) {
+    std::string folder = ts::test::MakeTempFolder("ts-elf");
+    auto errorOf = [](const std::string& path) {
         std::string bytes = "left over";
         std::u16string error;
         EXPECT_FALSE(ts::ReadElfSection(path, ".ts_plugin_def", bytes, error));
         EXPECT_TRUE(bytes.empty());
         return error;
-    }
-    static std::string Header(std::uint16_t type, std::uint64_t sectionOffset, std::uint16_t count,
-                              std::uint16_t names, unsigned char order = ELFDATA2LSB) {
-        Elf64_Ehdr h{};
-        std::memcpy(h.e_ident, ELFMAG, SELFMAG);
-        h.e_ident[EI_CLASS] = ELFCLASS64;
-        h.e_ident[EI_DATA] = order;
-        h.e_type = type;
-        h.e_shoff = sectionOffset;
-        h.e_shentsize = sizeof(Elf64_Shdr);
-        h.e_shnum = count;
-        h.e_shstrndx = names;
-        return std::string(reinterpret_cast<const char*>(&h), sizeof h);
-    }
-    std::string folder_;
-};
-
-// Damage the plugin loader's own tests leave out (text files, truncated libraries and libraries
-// without a definition are among the plugins there).
-TEST_F(DamagedLibraries, AreDescribedNotCrashedOn) {
+    };
     // A section table whose name table points far beyond the file.
     Elf64_Shdr sections[2]{};
     sections[1].sh_type = SHT_STRTAB;
     sections[1].sh_offset = 1u << 30;
     sections[1].sh_size = 32;
-    std::string farNames = Header(ET_DYN, 64, 2, 1) +
+    std::string farNames = ElfHeader(ET_DYN, 64, 2, 1) +
                            std::string(reinterpret_cast<const char*>(sections), sizeof sections);
 
     const std::pair<std::string, const char16_t*> cases[] = {
-        {Header(ET_DYN, 64, 1, 0, ELFDATA2MSB), u"another byte order"},
-        {Header(ET_EXEC, 64, 1, 0), u"not a shared library"},
-        {Header(ET_DYN, 0, 0, 0), u"no usable section table"},
-        {Header(ET_DYN, 64, 60000, 1) + std::string(64, '\0'), u"section table"},
+        {ElfHeader(ET_DYN, 64, 1, 0, ELFDATA2MSB), u"another byte order"},
+        {ElfHeader(ET_EXEC, 64, 1, 0), u"not a shared library"},
+        {ElfHeader(ET_DYN, 0, 0, 0), u"no usable section table"},
+        {ElfHeader(ET_DYN, 64, 60000, 1) + std::string(64, '\0'), u"section table is damaged"},
         {farNames, u"section names lie outside the file"},
     };
-    int n = 0;
     for (const auto& [bytes, words] : cases) {
-        std::u16string error = ErrorOf(Write(std::to_string(++n) + ".so", bytes));
-        EXPECT_NE(error.find(words), std::u16string::npos) << n << ": " << ts::Utf16ToUtf8(error);
+        std::string path = folder + "/library.so";
+        std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+        std::u16string error = errorOf(path);
+        EXPECT_NE(error.find(words), std::u16string::npos) << ts::Utf16ToUtf8(error);
     }
-    EXPECT_NE(ErrorOf(folder_ + "/missing.so").find(u"cannot open the file"), std::u16string::npos);
+    EXPECT_NE(errorOf(folder + "/missing.so").find(u"cannot open the file"), std::u16string::npos);
+    std::filesystem::remove_all(folder);
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -14,24 +12,8 @@
 
 namespace {
 
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-TEST(Report, LineFormatDoublesQuotesAndNamesTheLevel) {
-    EXPECT_EQ(ts::FormatReportLine("2026-11-22 07:00:00.000", 0, "AgentBase", 42,
-                                   u"Request for \"invalid\" property"),
-              "2026-11-22 07:00:00.000, ASSERT, \"AgentBase\", 42, \"Request for \"\"invalid\"\" "
-              "property\"\n");
-    EXPECT_STREQ(ReportLevelName(5), "ERROR");
-    EXPECT_STREQ(ReportLevelName(6), "UNKNOWN");
-    EXPECT_STREQ(ReportLevelName(-1), "UNKNOWN");
-}
-
-// The log lives in "logs" under the data folder, named after this test program.
+// The log lives in "logs" under the data folder, named after this test program; a line holds the
+// time, the level's name, the source and the message with its quotes doubled.
 TEST(Report, AppendsToTheLogNamedAfterTheHost) {
     std::string log = ts::DiagnosticLogPath();
     EXPECT_EQ(log, ts::ToolsetDataFolder() + "/logs/framework_tests.log");
@@ -41,12 +23,16 @@ TEST(Report, AppendsToTheLogNamedAfterTheHost) {
     EXPECT_EQ(Report(ReportLevel::Error, "engine2da", 7, u"Say \"hello\" to \u00e9"), S_OK);
     EXPECT_EQ(Report(9, "x", 1, u"second"), S_OK);
 
-    std::string text = ReadFile(log);
+    std::stringstream file;
+    file << std::ifstream(log, std::ios::binary).rdbuf();
+    std::string text = file.str();
     EXPECT_NE(text.find(", ERROR, \"engine2da\", 7, \"Say \"\"hello\"\" to \xc3\xa9\"\n"),
               std::string::npos)
         << text;
     EXPECT_NE(text.find(", UNKNOWN, \"x\", 1, \"second\"\n"), std::string::npos) << text;
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2);
+    EXPECT_EQ(text.find(", "), 23u) << "after a time such as 2026-11-22 07:00:00.000";
+    EXPECT_STREQ(ReportLevelName(-1), "UNKNOWN");
     ASSERT_EQ(reports.size(), 2u);
     EXPECT_EQ(reports.entries()[0].sourceFile, "engine2da");
     EXPECT_EQ(reports.entries()[0].line, 7);

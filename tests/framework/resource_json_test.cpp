@@ -23,17 +23,13 @@ ResourceDocument Read(std::string_view text, const ts::ResourceSchemaLookup& sch
     return doc;
 }
 
-std::u16string ReadError(std::string_view text, const ts::ResourceSchemaLookup& schemas = {},
-                         ResourceDocument doc = {}) {
-    std::u16string error;
-    EXPECT_FALSE(ts::ReadResourceJson(text, doc, &error, schemas)) << text;
-    return error;
-}
-
-// Whether reading `text` fails with a message that says `words`.
+// Whether reading `text` (into `doc`) fails with a message that says `words`.
 ::testing::AssertionResult Refuses(std::string_view text, std::u16string_view words,
-                                   const ts::ResourceSchemaLookup& schemas = {}) {
-    std::u16string error = ReadError(text, schemas);
+                                   const ts::ResourceSchemaLookup& schemas = {},
+                                   ResourceDocument doc = {}) {
+    std::u16string error;
+    if (ts::ReadResourceJson(text, doc, &error, schemas))
+        return ::testing::AssertionFailure() << text << "\n  was read";
     if (error.find(words) != std::u16string::npos) return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << text << "\n  gave: " << U8(error);
 }
@@ -106,13 +102,10 @@ TEST(ResourceJson, MistakesAreReportedWithTheirPlace) {
          u"line 1, column 19: the key \"resource\" appears twice"},
         {"{\"resource\": \"\xC3\x28\"}", u"line 1, column 15: the text is not valid UTF-8"},
         {R"({"resource": "a"} x)", u"line 1, column 19: there is more text after the end"},
-        {R"({"resource": 01})", u"line 1, column 15: expected ',' or '}'"},
-        {root(R"({"name": "A", "type": "int", "value": 1.5})"),
-         u"line 1, column 78: expected a whole number"},
+        {root(R"({"name": "A", "type": "int", "value": 1.5})"), u"expected a whole number"},
         {root(R"({"name": "A", "type": "int", "value": 2147483648})"),
          u"line 1, column 78: expected a whole number from -2147483648 to 2147483647"},
         {root(R"({"name": "A", "type": "integer"})"), u"line 1, column 62: unknown type"},
-        {root(R"({"name": "A", "type": 7})"), u"unknown type"},
         {root(R"({"name": "A", "type": "list", "value": 1})"),
          u"a list node has \"children\", not a \"value\""},
         {root(R"({"name": "A", "type": "int", "valeu": 1})"), u"unknown key \"valeu\" in a node"},
@@ -133,10 +126,9 @@ TEST(ResourceJson, MistakesAreReportedWithTheirPlace) {
 
     // A name given by the caller (from the file name) must agree with the document's.
     ResourceDocument named{u"tavern", u"dlg", {}};
-    EXPECT_NE(
-        ReadError(R"({"resource": "market", "root": {"name": "A", "type": "int"}})", {}, named)
-            .find(u"the document says its name is \"market\" but its file name says \"tavern\""),
-        std::u16string::npos);
+    EXPECT_TRUE(Refuses(
+        R"({"resource": "market", "root": {"name": "A", "type": "int"}})",
+        u"the document says its name is \"market\" but its file name says \"tavern\"", {}, named));
     ASSERT_TRUE(ts::ReadResourceJson(R"({"root": {"name": "A", "type": "int"}})", named));
     EXPECT_EQ(named.name, u"tavern");
 }
@@ -163,24 +155,21 @@ protected:
     // A talk as the agents make it: two lines, the first with a transition.
     Node MakeTalk() {
         ts::test::CAgentTestTalk talk;
-        EXPECT_TRUE(talk.BuildProperties() && talk.SetDefaults());
+        ts::test::CAgentTestLine first, second;
+        ts::test::CAgentTestTransition link;
+        for (CAgentBase* agent : std::initializer_list<CAgentBase*>{&talk, &first, &second, &link})
+            EXPECT_TRUE(agent->BuildProperties() && agent->SetDefaults());
         talk.SetResRefName(u"market");
         talk.SetPosition({1, 2, 3});
-        for (int i = 0; i < 2; ++i) {
-            ts::test::CAgentTestLine line;
-            EXPECT_TRUE(line.BuildProperties() && line.SetDefaults());
-            line.SetStringID(10 + i);
-            line.SetText(i == 0 ? u"Fresh fish!" : u"");
-            if (i == 1) line.SetSentOn(45000.0);
-            if (i == 0) {
-                ts::test::CAgentTestTransition t;
-                EXPECT_TRUE(t.BuildProperties() && t.SetDefaults());
-                t.SetIsLink(true);
-                t.SetLineIndex(1);
-                EXPECT_TRUE(line.AddItemToPropertyList(t, u"TransitionList"));
-            }
-            EXPECT_TRUE(talk.AddItemToPropertyList(line, u"LineList"));
-        }
+        first.SetStringID(10);
+        first.SetText(u"Fresh fish!");
+        link.SetIsLink(true);
+        link.SetLineIndex(1);
+        second.SetStringID(11);
+        second.SetSentOn(45000.0);  // 15 March 2023
+        EXPECT_TRUE(first.AddItemToPropertyList(link, u"TransitionList") &&
+                    talk.AddItemToPropertyList(first, u"LineList") &&
+                    talk.AddItemToPropertyList(second, u"LineList"));
         return Node(talk.GetNode());
     }
 };
@@ -214,10 +203,9 @@ TEST_F(ShortForm, StatesOnlyWhatDiffersFromTheDefaults) {
               std::string::npos);
 
     // The resource's own name fills its name field unless the document gives one.
-    ts::test::CAgentTestTalk talk;
-    talk.Bind(ReadShort(R"({"resource": "harbour", "type": "talk", "fields": {}})").root.Get());
     std::u16string name;
-    EXPECT_TRUE(talk.GetResRefName(name));
+    auto harbour = ReadShort(R"({"resource": "harbour", "type": "talk", "fields": {}})");
+    EXPECT_TRUE(ts::test::CAgentTestTalk(harbour.root.Get()).GetResRefName(name));
     EXPECT_EQ(name, u"harbour");
 }
 
@@ -249,16 +237,11 @@ TEST_F(ShortForm, ElementsOfAFamilyStateTheirKindFirst) {
         {"Kind": 1},
         {"Label": "north", "Kind": 1, "Colour": [0, 0, 1]}
     ]}})");
-    ASSERT_TRUE(doc.root);
-    ts::test::CAgentTestTalk talk;
-    talk.Bind(doc.root.Get());
-    Node item;
-    ASSERT_TRUE(talk.GetMarkListItem(1, item));
-    ts::test::CAgentTestFlag flag;
-    flag.Bind(item.Get());
-    TsColour colour;
-    ASSERT_TRUE(flag.GetColour(colour));
-    EXPECT_EQ(colour, (TsColour{1, 0, 0, 1}));  // the flag's own default
+    // The element that names only its kind is what that kind's agent makes.
+    Node item, flag;
+    ASSERT_TRUE(ts::test::CAgentTestTalk(doc.root.Get()).GetMarkListItem(1, item));
+    ASSERT_TRUE(TsMakeAgentRecord<ts::test::CAgentTestFlag>(flag));
+    ExpectSameTree(flag.Get(), item.Get());
 
     // Even the element that holds only defaults states its kind.
     std::string text = RoundTrip(u"m", doc.root);

@@ -1,10 +1,15 @@
+// Text: UTF-8 and UTF-16, ASCII case folding, formatting and the atom table of names.
 #include <gtest/gtest.h>
 
+#include <string>
+
+#include "ts/atoms.h"
 #include "ts/format.h"
 #include "ts/text.h"
 
 namespace {
 
+// Conversions keep every character, and replace malformed input instead of dropping it.
 TEST(Text, ConvertsBetweenUtf8AndUtf16) {
     std::u16string wide = u"Gr\u00fc\u00dfe \U0001F600 \u4e16";
     std::string narrow = ts::Utf16ToUtf8(wide);
@@ -12,12 +17,8 @@ TEST(Text, ConvertsBetweenUtf8AndUtf16) {
               "Gr\xc3\xbc\xc3\x9f"
               "e \xf0\x9f\x98\x80 \xe4\xb8\x96");
     EXPECT_EQ(ts::Utf8ToUtf16(narrow), wide);
-}
 
-TEST(Text, ReplacesMalformedInputInsteadOfDroppingIt) {
-    EXPECT_EQ(ts::Utf8ToUtf16("a\xff"
-                              "b"),
-              u"a\ufffdb");
+    EXPECT_EQ(ts::Utf8ToUtf16("a\xff!"), u"a\ufffd!");
     EXPECT_EQ(ts::Utf8ToUtf16("\xc3"), u"\ufffd");            // cut short
     EXPECT_EQ(ts::Utf8ToUtf16("\xe0\x80\x80x"), u"\ufffdx");  // overlong
     EXPECT_EQ(ts::Utf8ToUtf16("\xed\xa0\x80"), u"\ufffd");    // encoded surrogate
@@ -40,6 +41,8 @@ TEST(Text, FoldsAsciiCaseOnly) {
     EXPECT_FALSE(ts::EqualsIgnoreAsciiCase(u"abc", u"ab"));
 }
 
+// Every directive is filled from its typed argument; where arguments or directives are missing
+// the text is left as it is.
 TEST(Format, FillsEveryDirectiveFromTypedArguments) {
     EXPECT_EQ(ts::Format(u"%ls link refers to source ID [%d] which does not exist.", u"NPC", 12),
               u"NPC link refers to source ID [12] which does not exist.");
@@ -48,12 +51,30 @@ TEST(Format, FillsEveryDirectiveFromTypedArguments) {
     EXPECT_EQ(ts::Format(u"%s/%ls", "narrow \xc3\xa9", std::u16string(u"wide")),
               u"narrow \u00e9/wide");
     EXPECT_EQ(ts::Format(u"100%% of %d", 3), u"100% of 3");
-}
 
-TEST(Format, LeavesTheTextWhenArgumentsOrDirectivesAreMissing) {
     EXPECT_EQ(ts::Format(u"StartLine=%d&EndLine=%d", 4), u"StartLine=4&EndLine=%d");
     EXPECT_EQ(ts::Format(u"50%x and a lone %"), u"50%x and a lone %");
     EXPECT_EQ(ts::Format(u"%l"), u"%l");
+}
+
+// Atoms are shared ignoring ASCII case, keep the first spelling, and refuse names the table
+// cannot hold.
+TEST(Atoms, AreSharedIgnoringAsciiCaseAndKeepTheFirstSpelling) {
+    TsAtom a = TsAddAtom(u"ConditionPlotURI");
+    ASSERT_GE(a, kTsFirstAtom);
+    EXPECT_EQ(TsAddAtom(u"conditionploturi"), a);
+    EXPECT_EQ(TsFindAtom(u"CONDITIONPLOTURI"), a);
+    EXPECT_EQ(TsGetAtomName(a), u"ConditionPlotURI");
+    EXPECT_EQ(TsGetAtomName(a, 9), u"Condition");
+    EXPECT_NE(TsAddAtom(u"\u00c9t\u00e9"), TsAddAtom(u"\u00e9t\u00e9"));  // accents are not case
+    EXPECT_NE(TsAddAtom(u"ActionPlotURI"), a);
+
+    EXPECT_EQ(TsAddAtom(u""), 0);
+    EXPECT_EQ(TsAddAtom(std::u16string(256, u'x')), 0);
+    EXPECT_NE(TsAddAtom(std::u16string(255, u'x')), 0);
+    EXPECT_EQ(TsFindAtom(u"NeverAddedAnywhere"), 0);
+    EXPECT_EQ(TsGetAtomName(0), u"");
+    EXPECT_EQ(TsGetAtomName(0xFFFF), u"");
 }
 
 }  // namespace
