@@ -3,26 +3,20 @@
 #include "agents/agentgameobject.h"
 #include "stored_record.h"
 #include "support/report_capture.h"
+#include "support/test_records.h"
 #include "support/variant_print.h"
 #include "ts/hoststring.h"
 
 namespace {
 
+using CAgentTestItem = ts::test::CAgentTestTransition;
 using ts::test::AddStoredField;
 using ts::test::NewRecordNode;
+using ts::test::Read;
 using ts::test::ReportCapture;
 
-// A small record in the shape of the real schemas: every value kind, a list of elements.
-#define TEST_ITEM_FIELDS(F)                                                   \
-    F(LineIndex, Int, 0, u"", u"", u"", u"", u"", -1)                        \
-    F(IsLink, Bool, 0, u"", u"", u"", u"", u"", TS_NO_DEFAULT)
-
-class CAgentTestItem : public CAgentBase {
-public:
-    TS_AGENT_FIELDS(CAgentTestItem, CAgentBase, "agenttest", TEST_ITEM_FIELDS)
-    TS_AGENT_DEFAULTS()
-};
-
+// A record with a field of every value kind and a list of elements (the support records'
+// transitions, for their LineIndex).
 #define TEST_RESOURCE_FIELDS(F)                                                                         \
     F(Speaker, String, 2, u"Speaker", u"Text", u"Who", u"The speaking creature's tag", u"TagName", u"OWNER") \
     F(Seed, UInt, 2, u"", u"", u"", u"", u"", 7u)                                                       \
@@ -43,12 +37,6 @@ public:
 std::u16string NameOf(ITsProperty* node) {
     CTsHostString s;
     node->GetName(s.Put());
-    return std::u16string(s.View());
-}
-
-std::u16string Attribute(ITsProperty* node, TsPropertyAttribute which) {
-    CTsHostString s;
-    node->GetAttribute(which, s.Put());
     return std::u16string(s.View());
 }
 
@@ -73,85 +61,47 @@ std::vector<std::int32_t> LineIndexes(const CAgentTestResource& r) {
     return indexes;
 }
 
-TEST(AgentBase, BuildsTheAgentNodeWithBaseFieldsFirst) {
-    CAgentTestResource r;
-    ASSERT_TRUE(r.BuildProperties());
-    ITsProperty* root = r.GetNode();
-    ASSERT_NE(root, nullptr);
+// Every default of every real record is checked against data/*.tsv; this drives the typed
+// accessors of each value kind through a stored node.
+TEST(AgentBase, CreateOnClearsTheNodeAndABoundViewReadsWhatSettersWrote) {
+    CAgentTestResource made;
+    ASSERT_TRUE(made.CreateOn(nullptr));
+    ITsProperty* root = made.GetNode();
+    ASSERT_NE(root, nullptr) << "unbound, the record makes its own node";
     EXPECT_EQ(NameOf(root), u"Agent");
     EXPECT_EQ(root->GetType(), kTsTypeList);
     EXPECT_EQ(root->GetFlags(), 2u);
-    EXPECT_EQ(Attribute(root, TsPropertyAttribute::DisplayName), u"Agent");
-    EXPECT_EQ(ChildNames(root), (std::vector<std::u16string>{u"ResRefName", u"LocalCopy", u"Speaker", u"Seed",
-                                                             u"Delay", u"Exact", u"SentOn", u"Position", u"Fog",
-                                                             u"Result", u"ItemList"}));
-    // Each node carries its declaration (every attribute of every real record is checked
-    // against data/*.tsv).
-    CTsComPtr<ITsProperty> node;
-    ASSERT_TRUE(r.FindProperty(TsAddAtom(u"Speaker"), 0, node));
-    EXPECT_EQ(node->GetFlags(), 2u);
-    EXPECT_EQ(Attribute(node.Get(), TsPropertyAttribute::SubCategory), u"Who");
-    EXPECT_EQ(Attribute(node.Get(), TsPropertyAttribute::EditorKind), u"TagName");
-}
+    CTsHostString display;
+    root->GetAttribute(TsPropertyAttribute::DisplayName, display.Put());
+    EXPECT_EQ(display.View(), u"Agent");
 
-TEST(AgentBase, CreateOnClearsTheNodeAndWritesEveryDefault) {
     auto node = NewRecordNode();
     AddStoredField(node.Get(), u"Stray", variant(kTsTypeInt, 3));
-
     CAgentTestResource r;
     ASSERT_TRUE(r.CreateOn(node.Get()));
     EXPECT_EQ(r.GetNode(), node.Get());
-    EXPECT_EQ(ChildNames(node.Get()).size(), 11u) << "the stray child is gone";
+    const std::vector<std::u16string> fields{u"ResRefName", u"LocalCopy", u"Speaker", u"Seed", u"Delay", u"Exact",
+                                             u"SentOn", u"Position", u"Fog", u"Result", u"ItemList"};
+    EXPECT_EQ(ChildNames(node.Get()), fields) << "the stray child is gone, base fields come first";
+    EXPECT_EQ(Read(r, &CAgentTestResource::GetSpeaker), u"OWNER");
+    EXPECT_EQ(Read(r, &CAgentTestResource::GetFog), (TsColour{0.5f, 0.5f, 0.5f, 1}));
 
-    std::u16string speaker, resref = u"unchanged";
-    std::uint32_t seed = 0;
-    float delay = 0;
-    double exact = 0, sentOn = 0;
-    TsVector3 position;
-    TsColour fog;
-    bool result = false, local = true;
-    ASSERT_TRUE(r.GetSpeaker(speaker) && r.GetSeed(seed) && r.GetDelay(delay) && r.GetExact(exact) &&
-                r.GetSentOn(sentOn) && r.GetPosition(position) && r.GetFog(fog) && r.GetResult(result) &&
-                r.GetResRefName(resref) && r.GetLocalCopy(local));
-    EXPECT_EQ(speaker, u"OWNER");
-    EXPECT_EQ(seed, 7u);
-    EXPECT_EQ(delay, 0.5f);
-    EXPECT_EQ(exact, 2.5);
-    EXPECT_EQ(sentOn, 46000.0);
-    EXPECT_EQ(position, (TsVector3{1, 2, 3}));
-    EXPECT_EQ(fog, (TsColour{0.5f, 0.5f, 0.5f, 1}));
-    EXPECT_TRUE(result);
-    EXPECT_EQ(resref, u"");
-    EXPECT_FALSE(local);
-    EXPECT_EQ(r.ItemListCount(), 0u);
-
-    // A field declared without a default holds its type's zero value.
-    CAgentTestItem item;
-    ASSERT_TRUE(item.CreateOn(nullptr));
-    bool isLink = true;
-    ASSERT_TRUE(item.GetIsLink(isLink));
-    EXPECT_FALSE(isLink);
-}
-
-TEST(AgentBase, SettersWriteTheStoredNodeThatABoundViewReads) {
-    CAgentTestResource original;
-    ASSERT_TRUE(original.CreateOn(nullptr));
-    ASSERT_TRUE(original.SetSpeaker(u"merchant") && original.SetSeed(0xFFFFFFFFu) &&
-                original.SetPosition(TsVector3{-1, 0.25f, 9}) && original.SetResult(false));
-
+    ASSERT_TRUE(r.SetResRefName(u"gate") && r.SetLocalCopy(true) && r.SetSpeaker(u"merchant") &&
+                r.SetSeed(0xFFFFFFFFu) && r.SetDelay(-0.25f) && r.SetExact(1e-300) && r.SetSentOn(46001.123456789) &&
+                r.SetPosition(TsVector3{-1, 0.25f, 9}) && r.SetFog(TsColour{0, 1, 0.5f, 0}) && r.SetResult(false));
     CAgentTestResource view;
-    view.Bind(original.GetNode());
-    std::u16string speaker;
-    std::uint32_t seed = 0;
-    TsVector3 position;
-    bool result = true;
-    ASSERT_TRUE(view.GetSpeaker(speaker) && view.GetSeed(seed) && view.GetPosition(position) &&
-                view.GetResult(result));
-    EXPECT_EQ(speaker, u"merchant") << "binding wrote no defaults";
-    EXPECT_EQ(seed, 0xFFFFFFFFu);
-    EXPECT_EQ(position, (TsVector3{-1, 0.25f, 9}));
-    EXPECT_FALSE(result);
-    EXPECT_EQ(ChildNames(view.GetNode()).size(), 11u) << "binding declared nothing again";
+    view.Bind(node.Get());
+    EXPECT_EQ(Read(view, &CAgentTestResource::GetResRefName), u"gate");
+    EXPECT_TRUE(Read(view, &CAgentTestResource::GetLocalCopy));
+    EXPECT_EQ(Read(view, &CAgentTestResource::GetSpeaker), u"merchant");
+    EXPECT_EQ(Read(view, &CAgentTestResource::GetSeed), 0xFFFFFFFFu);
+    EXPECT_EQ(Read(view, &CAgentTestResource::GetDelay), -0.25f);
+    EXPECT_EQ(Read(view, &CAgentTestResource::GetExact), 1e-300);
+    EXPECT_EQ(Read(view, &CAgentTestResource::GetSentOn), 46001.123456789);
+    EXPECT_EQ(Read(view, &CAgentTestResource::GetPosition), (TsVector3{-1, 0.25f, 9}));
+    EXPECT_EQ(Read(view, &CAgentTestResource::GetFog), (TsColour{0, 1, 0.5f, 0}));
+    EXPECT_FALSE(Read(view, &CAgentTestResource::GetResult));
+    EXPECT_EQ(ChildNames(node.Get()), fields) << "binding declared nothing again";
 }
 
 TEST(AgentBase, MissingOrMistypedFieldReportsAndLeavesTheOutput) {
@@ -178,39 +128,43 @@ TEST(AgentBase, MissingOrMistypedFieldReportsAndLeavesTheOutput) {
     ASSERT_EQ(speaker->GetValue(&stored), S_OK);
     EXPECT_EQ(stored, variant(kTsTypeInt, 12)) << "the failed setter wrote nothing";
     EXPECT_EQ(ChildNames(root.Get()).size(), 2u) << "setters never create fields";
-    float delay = 0;
-    ASSERT_TRUE(r.GetDelay(delay)) << "the well-typed fields still read";
-    EXPECT_EQ(delay, 1.5f);
+    EXPECT_EQ(Read(r, &CAgentTestResource::GetDelay), 1.5f) << "the well-typed fields still read";
 
     CAgentTestResource unbound;
     EXPECT_FALSE(unbound.GetSpeaker(text));
     EXPECT_EQ(text, u"kept");
 }
 
-TEST(AgentBase, ListOperationsOnElements) {
-    CAgentTestResource r;
-    ASSERT_TRUE(r.CreateOn(nullptr));
+TEST(AgentBase, ListsInsertCopyAndReportTheirFailures) {
+    CAgentTestResource source, byRef, deep;
+    ASSERT_TRUE(source.CreateOn(nullptr) && byRef.CreateOn(nullptr) && deep.CreateOn(nullptr));
     for (int i = 0; i < 3; ++i) {
         CAgentTestItem item;
-        ASSERT_TRUE(item.CreateOn(nullptr) && item.SetLineIndex(i));
-        ASSERT_TRUE(r.AddItemToPropertyList(item, u"ItemList", i == 2 ? 0 : kTsAppend));
+        ASSERT_TRUE(item.CreateOn(nullptr) && item.SetLineIndex(10 + i));
+        ASSERT_TRUE(source.AddItemToPropertyList(item, u"ItemList", i == 2 ? 0 : kTsAppend));
     }
-    EXPECT_EQ(LineIndexes(r), (std::vector<std::int32_t>{2, 0, 1})) << "the third went in at the front";
-    EXPECT_EQ(r.GetPropertyListEntryCount(u"ItemList"), 3u);
-}
+    using Ints = std::vector<std::int32_t>;
+    EXPECT_EQ(LineIndexes(source), (Ints{12, 10, 11})) << "the third went in at the front";
+    EXPECT_EQ(source.GetPropertyListEntryCount(u"ItemList"), 3u);
+    CTsComPtr<ITsProperty> sourceList, node;
+    ASSERT_TRUE(source.FindProperty(TsAddAtom(u"ItemList"), 0, sourceList));
+    ASSERT_TRUE(byRef.CopyPropertyList(sourceList.Get(), u"ItemList", false));
+    ASSERT_TRUE(deep.CopyPropertyList(sourceList.Get(), u"ItemList", true));
 
-TEST(AgentBase, ListFailuresReportAndGiveNothing) {
-    CAgentTestResource r;
-    ASSERT_TRUE(r.CreateOn(nullptr));
+    // A change to a source element shows in the shared copy only.
+    ASSERT_TRUE(source.GetItemListItem(2, node));
+    ASSERT_TRUE(CAgentTestItem(node.Get()).SetLineIndex(99));
+    EXPECT_EQ(LineIndexes(byRef), (Ints{12, 10, 99}));
+    EXPECT_EQ(LineIndexes(deep), (Ints{12, 10, 11}));
+
     ReportCapture reports;
-    EXPECT_EQ(r.GetPropertyListEntryCount(u"NoSuchList"), 0u);
-    CTsComPtr<ITsProperty> node;
-    EXPECT_FALSE(r.GetPropertyFromList(u"ItemList", 0, node));
+    EXPECT_FALSE(deep.CopyPropertyList(sourceList.Get(), u"NoSuchList", true));
+    EXPECT_EQ(deep.GetPropertyListEntryCount(u"NoSuchList"), 0u);
+    EXPECT_FALSE(deep.GetPropertyFromList(u"ItemList", 3, node));
     EXPECT_FALSE(node);
     CAgentTestItem unboundItem;
-    EXPECT_FALSE(r.AddItemToPropertyList(unboundItem, u"ItemList"));
-    EXPECT_FALSE(r.AddItemToPropertyList(r, u"Speaker")) << "not a list";
-
+    EXPECT_FALSE(deep.AddItemToPropertyList(unboundItem, u"ItemList"));
+    EXPECT_FALSE(deep.AddItemToPropertyList(deep, u"Speaker")) << "not a list";
     std::vector<std::u16string> messages;
     for (const auto& e : reports.entries()) {
         messages.push_back(e.message);
@@ -218,34 +172,13 @@ TEST(AgentBase, ListFailuresReportAndGiveNothing) {
         EXPECT_EQ(e.level, static_cast<int>(ReportLevel::Assert));
     }
     EXPECT_EQ(messages, (std::vector<std::u16string>{
+                            u"CAgentBase::AddItemToPropertyList failed to add a property to list NoSuchList",
                             u"CAgentBase::GetPropertyListEntryCount failed to get count for list NoSuchList",
                             u"CAgentBase::GetPropertyFromList failed to get item for list ItemList",
                             u"CAgentBase::AddItemToPropertyList failed to add a property to list ItemList",
-                            u"CAgentBase::AddItemToPropertyList failed to add a property to list Speaker"}));
-}
-
-TEST(AgentBase, CopiesListsByReferenceOrDeep) {
-    CAgentTestResource source, byRef, deep;
-    ASSERT_TRUE(source.CreateOn(nullptr) && byRef.CreateOn(nullptr) && deep.CreateOn(nullptr));
-    for (int i = 0; i < 2; ++i) {
-        CAgentTestItem item;
-        ASSERT_TRUE(item.CreateOn(nullptr) && item.SetLineIndex(10 + i));
-        ASSERT_TRUE(source.AddItemToPropertyList(item, u"ItemList"));
-    }
-    CTsComPtr<ITsProperty> sourceList, original;
-    ASSERT_TRUE(source.FindProperty(TsAddAtom(u"ItemList"), 0, sourceList));
-    ASSERT_TRUE(byRef.CopyPropertyList(sourceList.Get(), u"ItemList", false));
-    ASSERT_TRUE(deep.CopyPropertyList(sourceList.Get(), u"ItemList", true));
-
-    // A change to a source element shows in the shared copy only.
-    ASSERT_TRUE(source.GetItemListItem(1, original));
-    ASSERT_TRUE(CAgentTestItem(original.Get()).SetLineIndex(99));
-    EXPECT_EQ(LineIndexes(byRef), (std::vector<std::int32_t>{10, 99}));
-    EXPECT_EQ(LineIndexes(deep), (std::vector<std::int32_t>{10, 11}));
-
-    ReportCapture reports;
-    EXPECT_FALSE(deep.CopyPropertyList(sourceList.Get(), u"NoSuchList", true));
-    EXPECT_EQ(reports.size(), 1u) << "stops at the first failure";
+                            u"CAgentBase::AddItemToPropertyList failed to add a property to list Speaker"}))
+        << "the copy stops at its first failure";
+    EXPECT_EQ(LineIndexes(deep), (Ints{12, 10, 11}));
 }
 
 TEST(AgentBase, FindOrCreateAddsAPlainNodeWhenAllowed) {

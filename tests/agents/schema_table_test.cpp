@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -56,15 +56,6 @@ std::string TypeName(std::uint32_t code) {
     return code < std::size(kTypeNames) && *kTypeNames[code] ? kTypeNames[code] : "type " + std::to_string(code);
 }
 
-std::vector<float> Numbers(const std::string& text, std::size_t count) {
-    std::vector<float> numbers;
-    std::stringstream in(text);
-    for (std::string part; std::getline(in, part, ',');) numbers.push_back(std::stof(part));
-    EXPECT_EQ(numbers.size(), count) << text;
-    numbers.resize(count);
-    return numbers;
-}
-
 // The value a default cell stands for; empty for "(none)".
 variant ExpectedValue(const std::string& type, const std::string& cell) {
     if (cell == "(none)") return {};
@@ -81,12 +72,14 @@ variant ExpectedValue(const std::string& type, const std::string& cell) {
             EXPECT_TRUE(cell == "true" || cell == "false") << cell;
             return variant(code, cell == "true");
         case kTsTypeVector: {
-            auto n = Numbers(cell, 3);
-            return variant(code, TsVector3{n[0], n[1], n[2]});
+            TsVector3 v;
+            EXPECT_EQ(std::sscanf(cell.c_str(), "%f,%f,%f", &v.x, &v.y, &v.z), 3) << cell;
+            return variant(code, v);
         }
         case kTsTypeColour: {
-            auto n = Numbers(cell, 4);
-            return variant(code, TsColour{n[0], n[1], n[2], n[3]});
+            TsColour c;
+            EXPECT_EQ(std::sscanf(cell.c_str(), "%f,%f,%f,%f", &c.r, &c.g, &c.b, &c.a), 4) << cell;
+            return variant(code, c);
         }
         default: ADD_FAILURE() << "no default can be written for " << type; return {};
     }

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include <gtest/gtest.h>
+
 #include "ts/comptr.h"
 #include "ts/property.h"
 
@@ -21,6 +23,14 @@ inline CTsComPtr<ITsProperty> AddStoredField(ITsProperty* record, std::u16string
     if (!value.empty()) field->SetValue(value);
     record->InsertChild(kTsAppend, field.Get());
     return field;
+}
+
+// What a typed getter gives; a failed read fails the test.
+template <class Agent, class Declaring, class T>
+T Read(const Agent& agent, bool (Declaring::*get)(T&) const) {
+    T value{};
+    EXPECT_TRUE((agent.*get)(value));
+    return value;
 }
 
 }  // namespace ts::test

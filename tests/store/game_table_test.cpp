@@ -16,6 +16,12 @@ ts::GameTable Parse(std::string_view csv, std::u16string_view name = u"poses") {
     return table;
 }
 
+// A cell's text by column name; "(failed)" when the read fails.
+std::u16string Text(const ts::GameTable& table, std::size_t row, std::u16string_view column) {
+    std::u16string text;
+    return table.GetText(row, column, text) ? text : u"(failed)";
+}
+
 TEST(GameTable, ReadsCellsByColumnNameInRowOrder) {
     auto table = Parse(
         "\xEF\xBB\xBFID, Label ,Animations\r\n"
@@ -30,16 +36,10 @@ TEST(GameTable, ReadsCellsByColumnNameInRowOrder) {
     EXPECT_EQ(table.RowId(0), 10);
     EXPECT_EQ(table.RowId(1), 3);
     EXPECT_EQ(table.RowId(2), -7);
-
-    std::u16string text;
-    ASSERT_TRUE(table.GetText(0, u"animations", text));
-    EXPECT_EQ(text, u"idle_01,idle_02");
-    ASSERT_TRUE(table.GetText(1, u"Animations", text));
-    EXPECT_EQ(text, u"says \"hi\"\nand waves");
-    ASSERT_TRUE(table.GetText(1, u"LABEL", text));
-    EXPECT_EQ(text, u"Sit");
-    ASSERT_TRUE(table.GetText(2, 1, text));
-    EXPECT_EQ(text, u"");
+    EXPECT_EQ(Text(table, 0, u"animations"), u"idle_01,idle_02");
+    EXPECT_EQ(Text(table, 1, u"Animations"), u"says \"hi\"\nand waves");
+    EXPECT_EQ(Text(table, 1, u"LABEL"), u"Sit");
+    EXPECT_EQ(Text(table, 2, u"Label"), u"");
     std::int32_t id;
     ASSERT_TRUE(table.GetInt(1, u"ID", id));
     EXPECT_EQ(id, 3);
@@ -69,7 +69,6 @@ TEST(GameTable, BadReadsFailWithTheirReasonAndLeaveTheValue) {
     std::u16string error, text = u"untouched";
     ASSERT_TRUE(table.GetInt(0, u"Value", value, &error));
     EXPECT_EQ(value, 25);
-
     value = 123;
     EXPECT_FALSE(table.GetInt(2, u"Value", value, &error));  // beyond 32 bits
     EXPECT_FALSE(table.GetInt(0, u"Name", value, &error));
@@ -84,10 +83,10 @@ TEST(GameTable, BadReadsFailWithTheirReasonAndLeaveTheValue) {
     EXPECT_FALSE(table.GetText(0, 3, text, &error));
     EXPECT_FALSE(table.GetText(3, 0, text, &error));
     EXPECT_EQ(error, u"The table \"toolset_dlgparms\" has 3 rows; there is no row at index 3");
-    EXPECT_EQ(text, u"untouched");
     std::size_t row;
     EXPECT_FALSE(table.FindRow(4, row, &error));
     EXPECT_EQ(error, u"The table \"toolset_dlgparms\" has no row with id 4");
+    EXPECT_EQ(text, u"untouched");
 }
 
 TEST(GameTable, MalformedFilesAreRefusedWithTheLine) {

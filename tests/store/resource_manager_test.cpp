@@ -22,6 +22,7 @@ protected:
     std::string folder = ts::test::MakeTempFolder("ts-resman");
     std::shared_ptr<ts::ResourceStore> store;
     CTsComPtr<ITsResourceManager> resman;
+    Node tree = ts::test::MakeSampleTree();
 
     void SetUp() override {
         store = ts::OpenSqliteStore(folder + "/m.tsmod", {.create = true});
@@ -40,10 +41,10 @@ protected:
         resman->GetLastErrorText(text.Put());
         return std::u16string(text.View());
     }
-    std::int32_t Version(std::u16string_view name, std::u16string_view type) {
-        ts::ResourceInfo info;
-        EXPECT_EQ(resman->GetResourceInfo(name, type, &info), S_OK);
-        return info.version;
+    static Node Root(ITsResource* resource) {
+        Node root;
+        EXPECT_EQ(resource->GetRootProperty(root.Put()), S_OK);
+        return root;
     }
 };
 
@@ -58,19 +59,15 @@ TEST_F(ResourceManagerTest, PluginsFindItByNameAndInterface) {
     EXPECT_EQ(TsGetHostComponent(u"ResMan", ITsResource::kIID, wrong.PutVoid()), E_NOINTERFACE);
 }
 
-TEST_F(ResourceManagerTest, HandsTreesToEditorsAndSavesWhatTheyWrite) {
-    Node tree = ts::test::MakeSampleTree();
-    CTsComPtr<ITsResource> created, mine, theirs;
+TEST_F(ResourceManagerTest, HandsTreesToEditorsAndGuardsTheirSaves) {
+    CTsComPtr<ITsResource> created, mine, theirs, reopened;
     ASSERT_EQ(resman->CreateResource(u"market", u"dlg", tree.Get(), created.Put()), S_OK);
-    EXPECT_EQ(Version(u"market", u"dlg"), 1);
-
     ASSERT_EQ(resman->OpenResource(u"Market", u"dlg", mine.Put()), S_OK);
     ASSERT_EQ(resman->OpenResource(u"market", u"dlg", theirs.Put()), S_OK);
     CTsHostString name;
     mine->GetName(name.Put());
     EXPECT_EQ(name.View(), u"market.dlg");
-    Node root;
-    ASSERT_EQ(mine->GetRootProperty(root.Put()), S_OK);
+    Node root = Root(mine.Get());
     EXPECT_TRUE(ts::PropertyTreesEqual(root.Get(), tree.Get()));
     EXPECT_NE(root.Get(), tree.Get());  // a copy of its own, decoded from the store
 
@@ -80,46 +77,48 @@ TEST_F(ResourceManagerTest, HandsTreesToEditorsAndSavesWhatTheyWrite) {
     count->SetValue(variant(kTsTypeInt, 7));
     ASSERT_EQ(resman->SaveResource(mine.Get()), S_OK);
     ASSERT_EQ(resman->SaveResource(mine.Get()), S_OK);
-    EXPECT_EQ(Version(u"market", u"dlg"), 3);
+    ts::ResourceInfo info;
+    ASSERT_EQ(resman->GetResourceInfo(u"market", u"dlg", &info), S_OK);
+    EXPECT_EQ(info.version, 3);
+    ASSERT_EQ(resman->OpenResource(u"market", u"dlg", reopened.Put()), S_OK);
+    EXPECT_TRUE(ts::PropertyTreesEqual(Root(reopened.Get()).Get(), root.Get()));
 
     // The other copy was read at version 1: saving it would lose the change.
     EXPECT_EQ(resman->SaveResource(theirs.Get()), TS_E_VERSION_CONFLICT);
     EXPECT_NE(LastError().find(u"after you opened it"), std::u16string::npos);
 
+    // Another user's check-out holds off saves and check-outs until it is checked in.
+    ASSERT_TRUE(store->CheckOut(u"market", u"dlg", u"bob"));
+    EXPECT_EQ(resman->SaveResource(mine.Get()), TS_E_LOCKED);
+    EXPECT_EQ(LastError(),
+              u"The resource \"market\" is checked out by \"bob\" and cannot be edited");
+    EXPECT_EQ(resman->CheckOutResource(u"market", u"dlg"), TS_E_LOCKED);
+    ASSERT_TRUE(store->CheckIn(u"market", u"dlg", u"bob"));
+    ASSERT_EQ(resman->CheckOutResource(u"market", u"dlg"), S_OK);
+    ASSERT_EQ(resman->SaveResource(mine.Get()), S_OK);
+    ASSERT_EQ(resman->CheckInResource(u"market", u"dlg"), S_OK);
+    ASSERT_EQ(resman->PrepareForExternalTool(), S_OK);
+}
+
+TEST_F(ResourceManagerTest, RefusalsLeaveTheirReasonAsTheLastError) {
+    CTsComPtr<ITsResource> resource;
+    ASSERT_EQ(resman->CreateResource(u"market", u"dlg", tree.Get(), resource.Put()), S_OK);
+    EXPECT_EQ(resman->CreateResource(u"market", u"dlg", tree.Get(), resource.Put()),
+              TS_E_ALREADY_EXISTS);
     // A resource object of some other host cannot be saved here.
     auto foreign = CTsComObject<ts::test::FakeResource>::Create(u"market.dlg");
     foreign->SetRootProperty(tree.Get());
     EXPECT_EQ(resman->SaveResource(foreign.Get()), E_INVALIDARG);
-    EXPECT_EQ(Version(u"market", u"dlg"), 3);
-
-    EXPECT_EQ(resman->CreateResource(u"market", u"dlg", tree.Get(), created.Put()),
-              TS_E_ALREADY_EXISTS);
-    EXPECT_EQ(resman->OpenResource(u"nothing", u"dlg", created.Put()), TS_E_NOT_FOUND);
-    EXPECT_FALSE(created);
-    EXPECT_EQ(LastError(), u"There is no resource \"nothing\" of type \"dlg\" in \"" +
-                               ts::Utf8ToUtf16(folder) + u"/m.tsmod\"");
-}
-
-TEST_F(ResourceManagerTest, OtherUsersCheckOutsAndDamagedContentAreRefused) {
-    Node tree = ts::test::MakeSampleTree();
-    CTsComPtr<ITsResource> resource;
-    ASSERT_EQ(resman->CreateResource(u"scene", u"cut", tree.Get(), resource.Put()), S_OK);
-    ASSERT_TRUE(store->CheckOut(u"scene", u"cut", u"bob"));
-    EXPECT_EQ(resman->SaveResource(resource.Get()), TS_E_LOCKED);
-    EXPECT_EQ(LastError(),
-              u"The resource \"scene\" is checked out by \"bob\" and cannot be edited");
-    EXPECT_EQ(resman->CheckOutResource(u"scene", u"cut"), TS_E_LOCKED);
-    ASSERT_TRUE(store->CheckIn(u"scene", u"cut", u"bob"));
-    ASSERT_EQ(resman->CheckOutResource(u"scene", u"cut"), S_OK);
-    ASSERT_EQ(resman->SaveResource(resource.Get()), S_OK);
-    ASSERT_EQ(resman->CheckInResource(u"scene", u"cut"), S_OK);
 
     ASSERT_TRUE(store->CreateResource(u"junk", u"dlg", std::vector<std::uint8_t>{'n', 'o'}, u"b"));
     EXPECT_EQ(resman->OpenResource(u"junk", u"dlg", resource.Put()), TS_E_DAMAGED);
     EXPECT_EQ(LastError(),
               u"The resource \"junk\" (dlg) cannot be read: This is not a resource: "
               u"2 bytes, too short for the header");
-    ASSERT_EQ(resman->PrepareForExternalTool(), S_OK);
+    EXPECT_EQ(resman->OpenResource(u"nothing", u"dlg", resource.Put()), TS_E_NOT_FOUND);
+    EXPECT_FALSE(resource);
+    EXPECT_EQ(LastError(), u"There is no resource \"nothing\" of type \"dlg\" in \"" +
+                               ts::Utf8ToUtf16(folder) + u"/m.tsmod\"");
 }
 
 TEST_F(ResourceManagerTest, TablesStringsAndStatusRecords) {
@@ -165,17 +164,17 @@ TEST_F(ResourceManagerTest, TablesStringsAndStatusRecords) {
 
     // A string without a status record reads as "never sent": S_FALSE and a cleared record.
     ts::VORecordingStatus vo{1, 9, 123.0, true};
+    ts::LocalizationStatus loc{1, 9, 123.0, true};
     ASSERT_EQ(resman->GetVORecordingStatus(1, &vo), S_FALSE);
-    EXPECT_EQ(vo.sentForRecordingOn, 0.0);
-    EXPECT_FALSE(vo.requiresReRecording);
-    ASSERT_EQ(resman->SetVORecordingStatus({1, 2, 45000.0, false}), S_OK);
-    ASSERT_EQ(resman->GetVORecordingStatus(1, &vo), S_OK);
-    EXPECT_EQ(vo.sentForRecordingOn, 45000.0);
-    ts::LocalizationStatus loc;
     ASSERT_EQ(resman->GetLocalizationStatus(1, &loc), S_FALSE);
+    EXPECT_TRUE(vo.sentForRecordingOn == 0 && !vo.requiresReRecording && vo.stringId == 1);
+    EXPECT_TRUE(loc.exportedOn == 0 && !loc.requiresReTranslation && loc.stringId == 1);
+    ASSERT_EQ(resman->SetVORecordingStatus({1, 2, 45000.0, false}), S_OK);
     ASSERT_EQ(resman->SetLocalizationStatus({1, 2, 45001.0, true}), S_OK);
+    ASSERT_EQ(resman->GetVORecordingStatus(1, &vo), S_OK);
     ASSERT_EQ(resman->GetLocalizationStatus(1, &loc), S_OK);
-    EXPECT_TRUE(loc.requiresReTranslation);
+    EXPECT_EQ(vo.sentForRecordingOn, 45000.0);
+    EXPECT_TRUE(loc.exportedOn == 45001.0 && loc.requiresReTranslation);
 }
 
 }  // namespace

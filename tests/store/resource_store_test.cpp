@@ -23,6 +23,16 @@ using Bytes = std::vector<std::uint8_t>;
            << "status " << static_cast<int>(r.status) << ": " << ts::Utf16ToUtf8(r.message);
 }
 
+// "name.type" of every resource of `type` (every type when empty), in listing order.
+std::vector<std::u16string> Listed(ts::ResourceStore& store, std::u16string_view type = {}) {
+    std::vector<ts::ResourceInfo> list;
+    EXPECT_TRUE(store.ListResources(type, list));
+    std::vector<std::u16string> names;
+    for (const auto& info : list) names.push_back(info.name + u"." + info.type);
+    return names;
+}
+using Names = std::vector<std::u16string>;
+
 class ResourceStoreTest : public ::testing::Test {
 protected:
     std::string folder = ts::test::MakeTempFolder("ts-store");
@@ -39,6 +49,13 @@ protected:
     std::unique_ptr<ts::ResourceStore> Create() { return Open({.create = true}); }
 };
 
+// A new, empty module.
+class NewModule : public ResourceStoreTest {
+protected:
+    void SetUp() override { ASSERT_TRUE(store = Create()); }
+    std::unique_ptr<ts::ResourceStore> store;
+};
+
 TEST_F(ResourceStoreTest, KeepsResourcesByNameAndTypeAcrossSessions) {
     Bytes bytes(70000);  // larger than a page
     std::iota(bytes.begin(), bytes.end(), std::uint8_t{0});
@@ -52,9 +69,8 @@ TEST_F(ResourceStoreTest, KeepsResourcesByNameAndTypeAcrossSessions) {
         EXPECT_TRUE(Refused(store->CreateResource(u"TAVERN", u"dlg", bytes, u"ann"),
                             StoreStatus::AlreadyExists,
                             u"A resource \"TAVERN\" of type \"dlg\" already exists"));
-        const std::pair<const char16_t*, const char16_t*> bad[] = {
-            {u"a/b", u"dlg"}, {u"", u"dlg"}, {u"ok", u"d.g"}};
-        for (auto [name, type] : bad)
+        for (auto [name, type] :
+             {std::pair{u"a/b", u"dlg"}, std::pair{u"", u"dlg"}, std::pair{u"ok", u"d.g"}})
             EXPECT_TRUE(Refused(store->CreateResource(name, type, bytes, u"ann"),
                                 StoreStatus::InvalidArgument));
     }
@@ -74,14 +90,8 @@ TEST_F(ResourceStoreTest, KeepsResourcesByNameAndTypeAcrossSessions) {
     ASSERT_TRUE(store->ReadResource(u"alley", u"dlg", content));
     EXPECT_TRUE(content.empty());
 
-    std::vector<ts::ResourceInfo> list;
-    ASSERT_TRUE(store->ListResources(u"dlg", list));
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[0].name, u"Alley");
-    EXPECT_EQ(list[1].name, u"tavern");
-    ASSERT_TRUE(store->ListResources(u"", list));
-    ASSERT_EQ(list.size(), 3u);
-    EXPECT_EQ(list[2].type, u"plo");
+    EXPECT_EQ(Listed(*store, u"dlg"), (Names{u"Alley.dlg", u"tavern.dlg"}));
+    EXPECT_EQ(Listed(*store), (Names{u"Alley.dlg", u"tavern.dlg", u"tavern.plo"}));
 
     ASSERT_TRUE(store->SaveResource(u"tavern", u"dlg", Bytes{9}, 1, u"bob"));
     ASSERT_TRUE(store->GetResourceInfo(u"tavern", u"dlg", info));
@@ -127,18 +137,15 @@ TEST_F(ResourceStoreTest, OpeningTellsWhatIsWrongWithTheFile) {
     EXPECT_TRUE(Refused(result, StoreStatus::Damaged, u"is not a toolset module"));
 }
 
-TEST_F(ResourceStoreTest, CheckOutLocksAndVersionsGuardOtherPeoplesWork) {
-    auto store = Create();
-    ASSERT_TRUE(store);
+TEST_F(NewModule, CheckOutLocksAndVersionsGuardOtherPeoplesWork) {
     Bytes mine{4}, theirs{5};
     ASSERT_TRUE(store->CreateResource(u"plan", u"cut", Bytes{1, 2, 3}, u"ann"));
 
     ASSERT_TRUE(store->CheckOut(u"plan", u"cut", u"ann"));
     ASSERT_TRUE(store->CheckOut(u"plan", u"cut", u"ann"));  // again: already hers
-    auto refused = store->SaveResource(u"plan", u"cut", theirs, ts::kAnyVersion, u"bob");
-    EXPECT_EQ(refused.status, StoreStatus::CheckedOut);
-    EXPECT_EQ(refused.message,
-              u"The resource \"plan\" is checked out by \"ann\" and cannot be edited");
+    EXPECT_TRUE(Refused(store->SaveResource(u"plan", u"cut", theirs, ts::kAnyVersion, u"bob"),
+                        StoreStatus::CheckedOut,
+                        u"The resource \"plan\" is checked out by \"ann\" and cannot be edited"));
     EXPECT_EQ(store->CheckOut(u"plan", u"cut", u"bob").status, StoreStatus::CheckedOut);
     EXPECT_EQ(store->CheckIn(u"plan", u"cut", u"bob").status, StoreStatus::CheckedOut);
     EXPECT_EQ(store->DeleteResource(u"plan", u"cut", u"bob").status, StoreStatus::CheckedOut);
@@ -156,9 +163,8 @@ TEST_F(ResourceStoreTest, CheckOutLocksAndVersionsGuardOtherPeoplesWork) {
                         StoreStatus::VersionConflict, u"was saved by \"ann\" after you opened it"));
 
     ASSERT_TRUE(store->SetLocked(u"plan", u"cut", true));
-    auto locked = store->SaveResource(u"plan", u"cut", theirs, ts::kAnyVersion, u"ann");
-    EXPECT_EQ(locked.status, StoreStatus::Locked);
-    EXPECT_EQ(locked.message, u"The resource \"plan\" is locked and cannot be edited");
+    EXPECT_TRUE(Refused(store->SaveResource(u"plan", u"cut", theirs, ts::kAnyVersion, u"ann"),
+                        StoreStatus::Locked, u"\"plan\" is locked and cannot be edited"));
     EXPECT_EQ(store->CheckOut(u"plan", u"cut", u"ann").status, StoreStatus::Locked);
     ASSERT_TRUE(store->SetLocked(u"plan", u"cut", false));
     EXPECT_EQ(store->SetLocked(u"nothing", u"cut", true).status, StoreStatus::NotFound);
@@ -169,9 +175,7 @@ TEST_F(ResourceStoreTest, CheckOutLocksAndVersionsGuardOtherPeoplesWork) {
     EXPECT_EQ(info.version, 2);
 }
 
-TEST_F(ResourceStoreTest, StringIdsAreIssuedKeptOrRefused) {
-    auto store = Create();
-    ASSERT_TRUE(store);
+TEST_F(NewModule, StringIdsAreIssuedKeptOrRefused) {
     std::int32_t id = 0, kept = 0, untouched = 77;
     ASSERT_TRUE(store->ValidateStringId(-1, id));
     EXPECT_EQ(id, 1);
@@ -209,9 +213,7 @@ TEST_F(ResourceStoreTest, StringIdsAreIssuedKeptOrRefused) {
                         StoreStatus::InvalidArgument, u"no such string id"));
 }
 
-TEST_F(ResourceStoreTest, TablesAreReplacedWholeAndReadBack) {
-    auto store = Create();
-    ASSERT_TRUE(store);
+TEST_F(NewModule, TablesAreReplacedWholeAndReadBack) {
     ts::GameTable table, smaller, back;
     ASSERT_TRUE(ts::GameTable::FromCsv(u"toolset_dlglang",
                                        "ID,LanguageName\n0,English\n1,\"Fran\xC3\xA7"
@@ -234,11 +236,8 @@ TEST_F(ResourceStoreTest, TablesAreReplacedWholeAndReadBack) {
                         u"has no table \"poses\""));
 }
 
-TEST_F(ResourceStoreTest, ABatchKeepsAllOrNothing) {
-    auto store = Create();
-    ASSERT_TRUE(store);
+TEST_F(NewModule, ABatchKeepsAllOrNothing) {
     Bytes bytes{1};
-    std::vector<ts::ResourceInfo> list;
     std::int32_t id;
     {
         ts::StoreBatch batch(*store);
@@ -247,8 +246,7 @@ TEST_F(ResourceStoreTest, ABatchKeepsAllOrNothing) {
         ASSERT_TRUE(store->SetString(7, 0, u"seven"));
         EXPECT_EQ(store->BeginBatch().status, StoreStatus::InvalidArgument);
     }  // not committed
-    ASSERT_TRUE(store->ListResources(u"", list));
-    EXPECT_TRUE(list.empty());
+    EXPECT_EQ(Listed(*store), Names{});
     EXPECT_FALSE(store->ValidateStringId(7, id));
 
     {
@@ -262,8 +260,7 @@ TEST_F(ResourceStoreTest, ABatchKeepsAllOrNothing) {
         ASSERT_TRUE(store->SetString(7, 0, u"seven"));
         ASSERT_TRUE(batch.Commit());
     }
-    ASSERT_TRUE(store->ListResources(u"", list));
-    EXPECT_EQ(list.size(), 2u);
+    EXPECT_EQ(Listed(*store), (Names{u"a.dlg", u"locked.dlg"}));
     EXPECT_TRUE(store->ValidateStringId(7, id));
 }
 
