@@ -80,20 +80,4 @@ CTsComPtr<ITsProperty> MakeSampleTree() {
     return root;
 }
 
-CTsComPtr<ITsProperty> MakeBulkyTree(int count) {
-    Node root;
-    TsCreateProperty(u"Agent", kTsTypeList, 2, u"Agent", {}, {}, {}, {}, root.Put());
-    Node lines = Add(root.Get(), u"NPCLineList", kTsTypeList, 64);
-    for (int i = 0; i < count; ++i) {
-        Node line = Add(lines.Get(), u"Agent", kTsTypeList, 2, u"Agent");
-        AddValue(line.Get(), u"StringID", kTsTypeInt, i, 0);
-        std::u16string text =
-            u"Line " + Utf8ToUtf16(std::to_string(i)) +
-            u": the innkeeper wipes the counter and says nothing for a long while.";
-        AddValue(line.Get(), u"Text", kTsTypeString, std::u16string_view(text));
-        AddValue(line.Get(), u"Ambient", kTsTypeBool, i % 7 == 0);
-    }
-    return root;
-}
-
 }  // namespace ts::test

@@ -12,8 +12,4 @@ namespace ts::test {
 // three "Agent" elements.
 CTsComPtr<ITsProperty> MakeSampleTree();
 
-// A conversation-sized tree of `lines` elements of a few fields each, for store tests that need
-// content larger than a page.
-CTsComPtr<ITsProperty> MakeBulkyTree(int lines);
-
 }  // namespace ts::test
