@@ -63,9 +63,9 @@ void CTsModule::Term() {
 }
 
 HRESULT CTsModule::GetClassObject(REFCLSID clsid, REFIID iid, void** object) {
-    if (!initialised_) return E_UNEXPECTED;
     if (!object) return E_POINTER;
     *object = nullptr;
+    if (!initialised_) return E_UNEXPECTED;
 
     TsObjectMapEntry* found = nullptr;
     for (auto& entry : objectMap_) {

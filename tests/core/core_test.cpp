@@ -386,8 +386,10 @@ TEST_F(ModuleFixture, LookupReturnsEveryCodeOfItsSteps) {
     EXPECT_EQ(TsModuleGetClassObject(nullptr, kProbeClass, IClassFactory::kIID, &out),
               E_INVALIDARG);
     CTsModule uninitialised;
+    out = &uninitialised;
     EXPECT_EQ(TsModuleGetClassObject(&uninitialised, kProbeClass, IClassFactory::kIID, &out),
               E_UNEXPECTED);
+    EXPECT_EQ(out, nullptr) << "a refused lookup leaves no stale pointer";
     EXPECT_EQ(TsModuleGetClassObject(&module, kProbeClass, IClassFactory::kIID, nullptr),
               E_POINTER);
 

@@ -81,7 +81,8 @@ public:
 private:
     std::mutex criticalSection_;
     std::span<TsObjectMapEntry> objectMap_;
-    bool initialised_ = false;
+    // Read without the lock by every class lookup; Init and Term change it under the lock.
+    std::atomic<bool> initialised_ = false;
     IGlobalInterfaceTable* globalInterfaceTable_ = nullptr;
 };
 
