@@ -8,6 +8,7 @@
 #include "core/forwarding.h"
 #include "core/options_source_impl.h"
 #include "core/uiwindow_impl.h"
+#include "core/undo_redo_impl.h"
 #include "ts/editorinterfaces.h"
 #include "ts/resource.h"
 
@@ -29,7 +30,7 @@ class CTsWindowInterface : public CTsUIWindowImpl<CTsWindowInterface<W>, W>,
                            public ITsHelpSource,
                            public CTsOptionsSourceImpl<CTsWindowInterface<W>, W>,
                            public ITsCurrentState,
-                           public ITsUndoRedo,
+                           public CTsUndoRedoImpl<CTsWindowInterface<W>, W>,
                            public ITsObjectInspectorSource,
                            public ITsIcon,
                            public ITsIdle,

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "ts/undoredo.h"
 #include "ts/unknown.h"
 
 // Host interfaces that every editor object answers besides its window, command, editor and
 // options interfaces. The host asks for them to learn what an editor can take part in; their
-// operations are declared with the features that use them (markers, find and replace, undo,
-// preview), so for now each is its identity only.
+// operations are declared with the features that use them (markers, find and replace, preview),
+// so for now each is its identity only. ITsUndoRedo has its operations in ts/undoredo.h.
 #define TS_DECLARE_EDITOR_INTERFACE(name, id) \
     struct name : IUnknown {                  \
         TS_INTERFACE_ID(id);                  \
@@ -24,8 +25,6 @@ TS_DECLARE_EDITOR_INTERFACE(ITsFindReplaceSource, "{3EF22302-003A-4460-9F7F-BFA9
 TS_DECLARE_EDITOR_INTERFACE(ITsHelpSource, "{6B34349E-F16E-44DF-80B8-FCAC9E0C678D}");
 // The selection the host's other windows follow.
 TS_DECLARE_EDITOR_INTERFACE(ITsCurrentState, "{C9A37BBB-CB28-4798-9045-57D7BB34A59C}");
-// The editor's undo stack, for the host's Edit menu.
-TS_DECLARE_EDITOR_INTERFACE(ITsUndoRedo, "{E2F8CC6E-7CE7-4FAC-AA3F-57C596C87F8F}");
 // What the host's object inspector shows.
 TS_DECLARE_EDITOR_INTERFACE(ITsObjectInspectorSource, "{B2FC29D0-1CB2-47DB-BBD0-752B01C2F4AF}");
 // The editor's icon.
