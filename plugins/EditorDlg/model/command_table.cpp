@@ -41,16 +41,19 @@ CommandRecord* CommandTable::AddCommand(std::uint32_t id, TsAtom atom, std::u16s
     }
 
     if (id != kNoCommandId && record->id != id)
-        Report(ReportLevel::Assert, kSource, __LINE__, u"The same command has been assigned to multiple IDs");
+        Report(ReportLevel::Assert, kSource, __LINE__,
+               u"The same command has been assigned to multiple IDs");
     if (record->isSubmenu != isSubmenu)
-        Report(ReportLevel::Assert, kSource, __LINE__, u"The same command is a submenu and normal command");
+        Report(ReportLevel::Assert, kSource, __LINE__,
+               u"The same command is a submenu and normal command");
     bool atomClash = record->atom != atom;
     if (!atomClash && id != kNoCommandId) {
         auto it = byAtom_.find(atom);
         atomClash = it != byAtom_.end() && it->second != record;
     }
     if (atomClash)
-        Report(ReportLevel::Assert, kSource, __LINE__, u"The same ID has been assigned to the multiple commands");
+        Report(ReportLevel::Assert, kSource, __LINE__,
+               u"The same ID has been assigned to the multiple commands");
     return record;
 }
 
@@ -62,13 +65,15 @@ std::vector<CommandRecord*> CommandTable::AddEntries(const std::vector<MenuEntry
                 out.push_back(nullptr);
                 break;
             case MenuEntry::Kind::Popup: {
-                CommandRecord* popup = AddCommand(kNoCommandId, TsAddAtom(entry.text), entry.text, u"", true);
+                CommandRecord* popup =
+                    AddCommand(kNoCommandId, TsAddAtom(entry.text), entry.text, u"", true);
                 popup->children = AddEntries(entry.entries);
                 out.push_back(popup);
                 break;
             }
             case MenuEntry::Kind::Command:
-                out.push_back(AddCommand(kNoCommandId, TsAddAtom(entry.text), entry.text, u"", false));
+                out.push_back(
+                    AddCommand(kNoCommandId, TsAddAtom(entry.text), entry.text, u"", false));
                 break;
         }
     }
@@ -162,7 +167,8 @@ std::vector<MenuEntry> ReadMenuDescription(std::u16string_view section) {
 std::vector<CommandRecord*> BuildConversationEditorCommands(CommandTable& table,
                                                             const std::vector<MenuEntry>& menus) {
     table.Clear();
-    for (const auto& command : ConversationEditorCommands()) table.AddCommand(command.id, command.name);
+    for (const auto& command : ConversationEditorCommands())
+        table.AddCommand(command.id, command.name);
     return table.BuildMenus(menus);
 }
 

@@ -45,7 +45,9 @@ public:
 
     const CommandRecord* FindById(std::uint32_t id) const;
     const CommandRecord* FindByAtom(TsAtom atom) const;
-    const CommandRecord* FindByName(std::u16string_view name) const { return FindByAtom(TsFindAtom(name)); }
+    const CommandRecord* FindByName(std::u16string_view name) const {
+        return FindByAtom(TsFindAtom(name));
+    }
     std::size_t Size() const { return records_.size(); }
     // Records in registration order.
     const std::vector<std::unique_ptr<CommandRecord>>& Records() const { return records_; }

@@ -2,14 +2,15 @@
 
 namespace dlg {
 
-const std::u16string_view ConversationDocument::kReferenceTypes[5] = {u"nss", u"plo", u"stg", u"cut", u"are"};
+const std::u16string_view ConversationDocument::kReferenceTypes[5] = {u"nss", u"plo", u"stg",
+                                                                      u"cut", u"are"};
 
 namespace {
 
 bool IsWhiteSpace(char16_t c) {
     return c == u' ' || (c >= u'\t' && c <= u'\r') || c == 0x85 || c == 0xA0 || c == 0x1680 ||
-           (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F ||
-           c == 0x3000;
+           (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F ||
+           c == 0x205F || c == 0x3000;
 }
 
 void Add(std::set<std::u16string>& into, std::u16string value) {
@@ -32,7 +33,9 @@ std::int32_t CountWords(std::u16string_view text) {
 bool ConversationDocument::Load(ITsProperty* root, std::u16string& error) {
     wordCount_ = -1;
     ClearReferences();
-    return tree_.Build(root, error);
+    bool built = tree_.Build(root, error);
+    edits_.Reindex();
+    return built;
 }
 
 std::int32_t ConversationDocument::WordCount(bool force) {
@@ -72,7 +75,8 @@ void ConversationDocument::CollectReferences() {
     if (root.GetPreviewAreaURI(value)) Add(areas, value);
 
     const ItemTree& items = tree_.Items();
-    for (TreeItem item = items.GetChild(tree_.RootItem()); item != kNoItem; item = items.NextInPreOrder(item)) {
+    for (TreeItem item = items.GetChild(tree_.RootItem()); item != kNoItem;
+         item = items.NextInPreOrder(item)) {
         ConversationNode* node = tree_.NodeOf(item);
         if (!node || node->isLink) continue;  // a link's line is its target's, counted there
         const CAgentConversationLine& line = node->line;

@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 
+#include "model/conversation_edits.h"
 #include "model/conversation_tree.h"
 #include "ts/atoms.h"
 
@@ -21,9 +22,11 @@ public:
     // Builds the tree from a conversation's root node; on failure the tree is empty and `error`
     // holds the message for the host.
     bool Load(ITsProperty* root, std::u16string& error);
-    bool WriteBack(CAgentConversation& target) { return tree_.WriteBack(target); }
+    bool WriteBack(CAgentConversation& target) const { return tree_.WriteBack(target); }
 
     ConversationTree& Tree() { return tree_; }
+    // Every change of the open conversation goes through here.
+    ConversationEdits& Edits() { return edits_; }
     const ConversationTree& Tree() const { return tree_; }
     bool IsLoaded() const { return tree_.RootItem() != kNoItem; }
 
@@ -42,6 +45,7 @@ public:
 
 private:
     ConversationTree tree_;
+    ConversationEdits edits_{tree_};
     std::int32_t wordCount_ = -1;
     std::map<TsAtom, std::set<std::u16string>> references_;
 };

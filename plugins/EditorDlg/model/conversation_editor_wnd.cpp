@@ -35,11 +35,30 @@ CConversationEditorWnd::CConversationEditorWnd(CTsWindowInterface<CConversationE
     RefreshStateDisplay();
 }
 
+CConversationEditorWnd::~CConversationEditorWnd() {
+    ClearHistory();
+}
+
+void CConversationEditorWnd::UndoEnd(int, bool) {
+    UndoHistoryChanged();
+}
+
+void CConversationEditorWnd::UndoHistoryChanged() {
+    if (IsLoaded()) SetModified(!IsReadOnly() && (unsavedBeforeHistory_ || IsModifiedSinceSave()));
+}
+
+bool CConversationEditorWnd::Perform(std::unique_ptr<CTsUndoCommand> command) {
+    if (!command || IsReadOnly() || !document_.IsLoaded()) return false;
+    return AddCommand(std::move(command), true);
+}
+
 std::vector<TsCommandItem> CConversationEditorWnd::CommandList() const {
     return dlg::CommandItems(commands_);
 }
 
-std::vector<TsCommandItem> CConversationEditorWnd::MenuList() const { return dlg::MenuItems(menus_); }
+std::vector<TsCommandItem> CConversationEditorWnd::MenuList() const {
+    return dlg::MenuItems(menus_);
+}
 
 bool CConversationEditorWnd::CommandState(std::uint32_t id, std::uint32_t& state) {
     if (!commands_.FindById(id)) return false;
@@ -73,6 +92,8 @@ HRESULT CConversationEditorWnd::LoadResource(IUnknown* resource) {
         root = CTsComPtr<ITsProperty>(current.GetNode());
     }
 
+    // The history belongs to the tree it was made on.
+    ClearHistory();
     std::u16string error;
     if (!document_.Load(root.Get(), error)) {
         ts::SendHostEvent(ts::events::Error(), ts::events::kError, error);
@@ -86,7 +107,8 @@ HRESULT CConversationEditorWnd::LoadResource(IUnknown* resource) {
     items.Select(items.GetRootItem());
     items.Expand(items.GetRootItem(), true);
 
-    SetModified(reloading && !resource && !IsReadOnly());
+    unsavedBeforeHistory_ = reloading && !resource && !IsReadOnly();
+    SetModified(unsavedBeforeHistory_);
     SetLoaded(true);
     return S_OK;
 }
@@ -114,6 +136,8 @@ HRESULT CConversationEditorWnd::SaveResource(std::uint32_t hostArgument) {
     HRESULT saved = TsSaveEditor(Owner(), hostArgument);
     if (saved != S_OK) return saved;
     document_.Tree().RefreshAll();
+    unsavedBeforeHistory_ = false;
+    MarkUndoSaved();
     SetModified(false);
     RefreshStateDisplay();
     return S_OK;

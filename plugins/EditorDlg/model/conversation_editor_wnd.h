@@ -9,6 +9,7 @@
 #include "core/event_sink.h"
 #include "core/frame_wnd.h"
 #include "core/layout_support.h"
+#include "core/undo_support.h"
 #include "core/window_interface.h"
 #include "model/command_table.h"
 #include "model/conversation_document.h"
@@ -21,11 +22,13 @@
 #include "ts/uiwindow.h"
 
 // The conversation editor's window: the editor state the host reads and writes, the command
-// source identity, the layout places, and the event sink through which host events reach it.
+// source identity, the layout places, the undo stack, and the event sink through which host
+// events reach it.
 class CConversationEditorWnd : public CTsFrameWnd,
                                public CTsEditorSupport<CConversationEditorWnd>,
                                public CTsEditorLayoutSupport<CConversationEditorWnd>,
-                               public CTsUICommandSourceSupport<CConversationEditorWnd> {
+                               public CTsUICommandSourceSupport<CConversationEditorWnd>,
+                               public CTsUndoSupport<CConversationEditorWnd> {
 public:
     static constexpr CLSID kClassId = ts::Guid("{00AFAF9F-EBA6-4DD2-BE63-1B6C33076D02}");
     static constexpr std::u16string_view kCommandSourceName = u"DLGEditor";
@@ -39,6 +42,8 @@ public:
 
     CConversationEditorWnd(CTsWindowInterface<CConversationEditorWnd>& owner,
                            TsWindowHandle parent);
+    // The undo commands refer to the document, so they go before it.
+    ~CConversationEditorWnd();
 
     TsWindowHandle Parent() const { return parent_; }
     ITsEventSink* GetEventSink() const { return events_.GetSink(); }
@@ -85,6 +90,13 @@ public:
     // The caption: the resource's name, "*" while modified, " [Read Only]" when read-only.
     void RefreshStateDisplay();
 
+    // The undo stack's news: the modified state follows the stack's saved position.
+    void UndoEnd(int direction, bool added);
+    void UndoHistoryChanged();
+    // Runs a command of the open conversation through the undo stack; false for a read-only
+    // editor, an editor with nothing loaded, or a command that failed.
+    bool Perform(std::unique_ptr<CTsUndoCommand> command);
+
     void OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t param2, ITsResource* resource);
 
 private:
@@ -96,6 +108,8 @@ private:
     dlg::ConversationDocument document_;
     dlg::TextTagSet knownTags_;
     bool simpleView_ = false;
+    // Set when the conversation was reloaded from unsaved changes, which no undo step records.
+    bool unsavedBeforeHistory_ = false;
     dlg::CommandTable commands_;
     std::vector<dlg::CommandRecord*> menus_;
     // After the document: the view follows its item tree and goes first.

@@ -11,8 +11,8 @@ namespace dlg {
 // The record behind every tree item but the root: one line of the conversation, or a link to a
 // line that stands elsewhere in the tree.
 struct ConversationNode : TreeItemData {
-    // Index of the line in NPCLineList (isNPC) or PlayerLineList; valid right after a build or a
-    // write-back only.
+    // Index of the line in NPCLineList (isNPC) or PlayerLineList of the resource it was built
+    // from; edits do not keep it (write-back numbers the lines anew).
     std::uint32_t lineIndex = 0;
     // Pre-order number of the item in the whole tree (root 0, links included); -1 until numbered.
     std::int32_t TreeIndex = -1;

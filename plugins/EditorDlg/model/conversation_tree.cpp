@@ -187,35 +187,85 @@ ConversationNode* ConversationTree::InsertLine(TreeItem parent, std::uint32_t in
     return node;
 }
 
-bool ConversationTree::WriteBack(CAgentConversation& target) {
-    target.Bind(root_.GetNode());
-    if (!EmptyList(target, StartListAtom()) || !EmptyList(target, NPCLineListAtom()) ||
-        !EmptyList(target, PlayerLineListAtom()))
-        return false;
-    TreeItem rootItem = RootItem();
+namespace {
 
-    // Pass 1: lines in depth-first order of their full items.
+// A copy of the conversation's root for writing back: its own fields copied, its start and line
+// lists new and empty. Nothing of it is shared with the open conversation.
+CTsComPtr<ITsProperty> CopyRootWithoutLines(ITsProperty* source) {
+    CTsComPtr<ITsProperty> root;
+    if (!source || FAILED(source->Clone(kTsCloneShallow, root.Put()))) return {};
+    std::uint32_t count = 0;
+    ITsProperty* const* children = nullptr;
+    if (FAILED(root->GetChildArray(&children, &count))) return {};
+    for (std::uint32_t i = 0; i < count; ++i) {
+        CTsComPtr<ITsProperty> child;
+        if (FAILED(root->GetChildAt(i, child.Put()))) return {};
+        TsAtom name = child->GetNameAtom();
+        bool lines =
+            name == StartListAtom() || name == NPCLineListAtom() || name == PlayerLineListAtom();
+        CTsComPtr<ITsProperty> copy;
+        if (FAILED(child->Clone(lines ? kTsCloneShallow : kTsCloneDeep, copy.Put())) ||
+            (lines && FAILED(copy->Reset())) || FAILED(root->RemoveChildAt(i)) ||
+            FAILED(root->InsertChild(i, copy.Get())))
+            return {};
+    }
+    return root;
+}
+
+}  // namespace
+
+bool ConversationTree::WriteBack(CAgentConversation& target) const {
+    target.Unbind();
+    TreeItem rootItem = RootItem();
+    CTsComPtr<ITsProperty> root = CopyRootWithoutLines(root_.GetNode());
+    if (!root) return false;
+    CAgentConversation written;
+    written.Bind(root.Get());
+
+    // The numbering must be current: it keys the tables below.
+    std::vector<std::uint32_t> lineIndex(byTreeIndex_.size(), 0);
+    std::vector<CTsComPtr<ITsProperty>> copies(byTreeIndex_.size());
+    auto numbered = [&](const ConversationNode* node) {
+        return node->TreeIndex > 0 && std::size_t(node->TreeIndex) < byTreeIndex_.size() &&
+               byTreeIndex_[std::size_t(node->TreeIndex)] == node;
+    };
+
+    // Pass 1: copies of the lines in depth-first order of their full items.
     std::uint32_t npcCount = 0, playerCount = 0;
     for (TreeItem item = items_.GetChild(rootItem); item != kNoItem;
          item = items_.NextInPreOrder(item)) {
         ConversationNode* node = NodeOf(item);
-        if (!node) {
+        if (!node || !numbered(node)) {
             Report(ReportLevel::Assert, kSource, __LINE__, u"Unable to get data from tree node");
-            continue;
+            return false;
         }
         if (node->isLink) continue;
-        if (!EmptyList(node->line, TransitionListAtom())) return false;
-        if (!target.AddItemToPropertyList(node->line.GetNode(),
-                                          node->isNPC ? NPCLineListAtom() : PlayerLineListAtom()))
+        auto at = std::size_t(node->TreeIndex);
+        CTsComPtr<ITsProperty> copy;
+        if (!node->line.GetNode() || FAILED(node->line.GetNode()->Clone(kTsCloneDeep, copy.Put())))
             return false;
-        node->lineIndex = node->isNPC ? npcCount++ : playerCount++;
+        CAgentConversationLine line;
+        line.Bind(copy.Get());
+        if (!EmptyList(line, TransitionListAtom()) ||
+            !written.AddItemToPropertyList(copy.Get(),
+                                           node->isNPC ? NPCLineListAtom() : PlayerLineListAtom()))
+            return false;
+        lineIndex[at] = node->isNPC ? npcCount++ : playerCount++;
+        copies[at] = std::move(copy);
     }
 
-    // Pass 2: links take their target's new index.
+    // Pass 2: links take their target's new index; a link to a line that is not in the tree
+    // cannot be written.
     for (TreeItem item = items_.GetChild(rootItem); item != kNoItem;
          item = items_.NextInPreOrder(item)) {
         ConversationNode* node = NodeOf(item);
-        if (node && node->isLink && node->linkTarget) node->lineIndex = node->linkTarget->lineIndex;
+        if (!node->isLink) continue;
+        if (!node->linkTarget || !numbered(node->linkTarget) || node->linkTarget->isLink) {
+            Report(ReportLevel::Assert, kSource, __LINE__, u"A link refers to no line");
+            return false;
+        }
+        lineIndex[std::size_t(node->TreeIndex)] =
+            lineIndex[std::size_t(node->linkTarget->TreeIndex)];
     }
 
     // Pass 3: starts and transitions. New entries are copies of one prototype each, which is
@@ -225,7 +275,9 @@ bool ConversationTree::WriteBack(CAgentConversation& target) {
     if (!startPrototype.CreateOn(nullptr) || !transitionPrototype.CreateOn(nullptr)) return false;
     for (TreeItem item = rootItem; item != kNoItem; item = items_.NextInPreOrder(item)) {
         ConversationNode* node = item == rootItem ? nullptr : NodeOf(item);
-        if (item != rootItem && (!node || node->isLink)) continue;
+        if (node && node->isLink) continue;
+        CAgentConversationLine line;
+        if (node) line.Bind(copies[std::size_t(node->TreeIndex)].Get());
         for (TreeItem childItem = items_.GetChild(item); childItem != kNoItem;
              childItem = items_.GetNextSibling(childItem)) {
             ConversationNode* child = NodeOf(childItem);
@@ -234,14 +286,14 @@ bool ConversationTree::WriteBack(CAgentConversation& target) {
                 return false;
             }
             CTsComPtr<ITsProperty> entry;
-            auto index = static_cast<std::int32_t>(child->lineIndex);
+            auto index = static_cast<std::int32_t>(lineIndex[std::size_t(child->TreeIndex)]);
             if (!node) {
                 if (FAILED(startPrototype.GetNode()->Clone(kTsCloneDeep, entry.Put())))
                     return false;
                 CAgentConversationStart start;
                 start.Bind(entry.Get());
                 if (!start.SetLineIndex(index) ||
-                    !target.AddItemToPropertyList(entry.Get(), StartListAtom()))
+                    !written.AddItemToPropertyList(entry.Get(), StartListAtom()))
                     return false;
             } else {
                 if (FAILED(transitionPrototype.GetNode()->Clone(kTsCloneDeep, entry.Put())))
@@ -249,11 +301,12 @@ bool ConversationTree::WriteBack(CAgentConversation& target) {
                 CAgentConversationTransition transition;
                 transition.Bind(entry.Get());
                 if (!transition.SetIsLink(child->isLink) || !transition.SetLineIndex(index) ||
-                    !node->line.AddItemToPropertyList(entry.Get(), TransitionListAtom()))
+                    !line.AddItemToPropertyList(entry.Get(), TransitionListAtom()))
                     return false;
             }
         }
     }
+    target.Bind(root.Get());
     return true;
 }
 

@@ -22,9 +22,11 @@ public:
     // Rebuilds the tree from a conversation resource's root node. On failure the tree is empty
     // and `error` holds the message for the user.
     bool Build(ITsProperty* resource, std::u16string& error);
-    // Writes starts, lines and transitions back into `target`, bound to the resource: lines
-    // renumbered depth-first, links rewritten to their targets' new indices.
-    bool WriteBack(CAgentConversation& target);
+    // Writes the conversation as it stands into a new resource tree and binds `target` to it:
+    // lines copied in depth-first order, links rewritten to their targets' new indices, starts
+    // and transitions made anew. The open conversation is not touched, and the result shares
+    // nothing with it; on failure `target` is left unbound. Needs a current numbering.
+    bool WriteBack(CAgentConversation& target) const;
 
     ItemTree& Items() { return items_; }
     const ItemTree& Items() const { return items_; }

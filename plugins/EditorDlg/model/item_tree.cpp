@@ -1,6 +1,7 @@
 #include "model/item_tree.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace dlg {
 
@@ -16,15 +17,21 @@ struct ItemTree::Item {
     // removing a sibling shifts it.
     mutable std::uint32_t rowHint = 0;
     bool alive = false;
+    // False for the items of a detached subtree.
+    bool inTree = false;
     bool expanded = false;
 };
 
 ItemTree::ItemTree() = default;
 ItemTree::~ItemTree() = default;
 
+ItemTree::Item& ItemTree::At(TreeItem item) {
+    return items_[item - base_ - 1];
+}
+
 ItemTree::Item* ItemTree::Find(TreeItem item) {
-    if (item == kNoItem || item > items_.size()) return nullptr;
-    Item& i = items_[item - 1];
+    if (item <= base_ || item - base_ > items_.size()) return nullptr;
+    Item& i = At(item);
     return i.alive ? &i : nullptr;
 }
 
@@ -32,7 +39,18 @@ const ItemTree::Item* ItemTree::Find(TreeItem item) const {
     return const_cast<ItemTree*>(this)->Find(item);
 }
 
-bool ItemTree::IsValid(TreeItem item) const { return Find(item) != nullptr; }
+bool ItemTree::IsValid(TreeItem item) const {
+    return Find(item) != nullptr;
+}
+
+bool ItemTree::IsInTree(TreeItem item) const {
+    const Item* i = Find(item);
+    return i && i->inTree;
+}
+
+bool ItemTree::Announce(TreeItem item) const {
+    return observer_ && IsInTree(item);
+}
 
 std::vector<TreeItem>& ItemTree::ChildrenOf(TreeItem parent) {
     return parent == kNoItem ? top_ : Find(parent)->children;
@@ -51,47 +69,72 @@ std::size_t ItemTree::InsertRow(const std::vector<TreeItem>& siblings, TreeItem 
     return it == siblings.end() ? siblings.size() + 1 : std::size_t(it - siblings.begin()) + 1;
 }
 
-TreeItem ItemTree::InsertItem(TreeItem parent, TreeItem after, std::u16string text,
-                              std::unique_ptr<TreeItemData> data) {
-    if (parent != kNoItem && !Find(parent)) return kNoItem;
-    std::size_t row = InsertRow(ChildrenOf(parent), after);
-    if (row > ChildrenOf(parent).size()) return kNoItem;
-
-    TreeItem handle;
-    if (!free_.empty()) {
-        handle = free_.back();
-        free_.pop_back();
-    } else {
-        items_.emplace_back();
-        handle = static_cast<TreeItem>(items_.size());
-    }
-    Item& item = items_[handle - 1];
+TreeItem ItemTree::NewItem(TreeItem parent, std::u16string text,
+                           std::unique_ptr<TreeItemData> data) {
+    // Handles are never reused: a freed slot stays dead (it keeps no text or data).
+    items_.emplace_back();
+    auto handle = static_cast<TreeItem>(base_ + items_.size());
+    Item& item = items_.back();
     item.parent = parent;
     item.text = std::move(text);
     item.data = std::move(data);
     item.alive = true;
+    ++live_;
+    return handle;
+}
 
+TreeItem ItemTree::InsertItem(TreeItem parent, TreeItem after, std::u16string text,
+                              std::unique_ptr<TreeItemData> data) {
+    if (parent != kNoItem && !IsInTree(parent)) return kNoItem;
+    std::size_t row = InsertRow(ChildrenOf(parent), after);
+    if (row > ChildrenOf(parent).size()) return kNoItem;
+
+    TreeItem handle = NewItem(parent, std::move(text), std::move(data));
+    At(handle).inTree = true;
     if (observer_) observer_->BeforeInsert(parent, row);
     auto& siblings = ChildrenOf(parent);
     siblings.insert(siblings.begin() + std::ptrdiff_t(row), handle);
-    item.rowHint = static_cast<std::uint32_t>(row);
-    ++live_;
+    At(handle).rowHint = static_cast<std::uint32_t>(row);
     if (observer_) observer_->AfterInsert(handle);
     return handle;
 }
 
-void ItemTree::Release(TreeItem handle) {
-    Item& item = items_[handle - 1];
-    for (TreeItem child : item.children) Release(child);
-    if (selected_ == handle) selected_ = kNoItem;
-    item = Item{};
-    free_.push_back(handle);
-    --live_;
+TreeItem ItemTree::CreateDetached(std::u16string text, std::unique_ptr<TreeItemData> data) {
+    return NewItem(kNoItem, std::move(text), std::move(data));
+}
+
+TreeItem ItemTree::InsertDetachedChild(TreeItem parent, std::u16string text,
+                                       std::unique_ptr<TreeItemData> data) {
+    const Item* p = Find(parent);
+    if (!p || p->inTree) return kNoItem;
+    TreeItem handle = NewItem(parent, std::move(text), std::move(data));
+    auto& siblings = At(parent).children;
+    At(handle).rowHint = static_cast<std::uint32_t>(siblings.size());
+    siblings.push_back(handle);
+    return handle;
+}
+
+void ItemTree::Release(TreeItem top) {
+    // Iterative, so that a chain of any depth is freed without exhausting the stack.
+    std::vector<TreeItem> pending{top};
+    while (!pending.empty()) {
+        TreeItem handle = pending.back();
+        pending.pop_back();
+        Item& item = At(handle);
+        pending.insert(pending.end(), item.children.begin(), item.children.end());
+        if (selected_ == handle) selected_ = kNoItem;
+        item = Item{};
+        --live_;
+    }
+}
+
+void ItemTree::SetInTree(TreeItem top, bool inTree) {
+    for (TreeItem i = top; i != kNoItem; i = NextInSubtree(i, top)) At(i).inTree = inTree;
 }
 
 bool ItemTree::DeleteItem(TreeItem handle) {
     Item* item = Find(handle);
-    if (!item) return false;
+    if (!item || !item->inTree) return false;
     TreeItem parent = item->parent;
     std::size_t row = RowOf(handle);
     TreeItem previouslySelected = selected_;
@@ -101,16 +144,59 @@ bool ItemTree::DeleteItem(TreeItem handle) {
     Release(handle);
     if (observer_) {
         observer_->AfterRemove(parent, row);
-        if (selected_ != previouslySelected) observer_->SelectionChanged(previouslySelected, selected_);
+        if (selected_ != previouslySelected)
+            observer_->SelectionChanged(previouslySelected, selected_);
     }
     return true;
+}
+
+bool ItemTree::Detach(TreeItem handle) {
+    Item* item = Find(handle);
+    if (!item || !item->inTree) return false;
+    TreeItem parent = item->parent;
+    std::size_t row = RowOf(handle);
+    TreeItem previouslySelected = selected_;
+    if (selected_ != kNoItem && IsInSubtree(selected_, handle)) selected_ = kNoItem;
+    if (observer_) observer_->BeforeRemove(handle);
+    auto& siblings = ChildrenOf(parent);
+    siblings.erase(siblings.begin() + std::ptrdiff_t(row));
+    At(handle).parent = kNoItem;
+    SetInTree(handle, false);
+    if (observer_) {
+        observer_->AfterRemove(parent, row);
+        if (selected_ != previouslySelected)
+            observer_->SelectionChanged(previouslySelected, selected_);
+    }
+    return true;
+}
+
+bool ItemTree::Attach(TreeItem handle, TreeItem parent, std::size_t row) {
+    Item* item = Find(handle);
+    if (!item || item->inTree || item->parent != kNoItem) return false;
+    if (parent != kNoItem && !IsInTree(parent)) return false;
+    row = std::min(row, ChildrenOf(parent).size());
+    SetInTree(handle, true);
+    At(handle).parent = parent;
+    if (observer_) observer_->BeforeInsert(parent, row);
+    auto& siblings = ChildrenOf(parent);
+    siblings.insert(siblings.begin() + std::ptrdiff_t(row), handle);
+    At(handle).rowHint = static_cast<std::uint32_t>(row);
+    if (observer_) observer_->AfterInsert(handle);
+    return true;
+}
+
+void ItemTree::DiscardDetached(TreeItem handle) {
+    const Item* item = Find(handle);
+    if (!item || item->inTree || item->parent != kNoItem) return;
+    Release(handle);
 }
 
 void ItemTree::DeleteAllItems() {
     if (observer_) observer_->BeforeReset();
     TreeItem previouslySelected = selected_;
+    // Handles of the old items stay refused, even those that detached subtrees still hold.
+    base_ += static_cast<TreeItem>(items_.size());
     items_.clear();
-    free_.clear();
     top_.clear();
     live_ = 0;
     selected_ = kNoItem;
@@ -128,26 +214,36 @@ bool ItemTree::IsInSubtree(TreeItem item, TreeItem ancestor) const {
 
 bool ItemTree::MoveItem(TreeItem handle, TreeItem newParent, TreeItem after) {
     Item* item = Find(handle);
-    if (!item || (newParent != kNoItem && !Find(newParent)) || after == handle) return false;
-    if (newParent != kNoItem && IsInSubtree(newParent, handle)) return false;
+    if (!item || !item->inTree || after == handle) return false;
+    if (newParent != kNoItem && (!IsInTree(newParent) || IsInSubtree(newParent, handle)))
+        return false;
     auto& oldSiblings = ChildrenOf(item->parent);
     std::size_t oldRow = RowOf(handle);
     // The new row is counted as if the item had already left its old place.
-    std::vector<TreeItem> target = ChildrenOf(newParent);
-    if (newParent == item->parent) target.erase(target.begin() + std::ptrdiff_t(oldRow));
-    std::size_t newRow = InsertRow(target, after);
-    if (newRow > target.size()) return false;
+    std::size_t newRow;
+    if (after == kInsertFirst) {
+        newRow = 0;
+    } else if (after == kInsertLast) {
+        newRow = ChildrenOf(newParent).size() - (newParent == item->parent ? 1 : 0);
+    } else {
+        if (GetParent(after) != newParent || !IsInTree(after)) return false;
+        newRow = RowOf(after) + 1;
+        if (newParent == item->parent && oldRow < newRow) --newRow;
+    }
 
     if (observer_) observer_->BeforeMove(handle, newParent, newRow);
     oldSiblings.erase(oldSiblings.begin() + std::ptrdiff_t(oldRow));
     auto& newSiblings = ChildrenOf(newParent);
     newSiblings.insert(newSiblings.begin() + std::ptrdiff_t(newRow), handle);
     item->parent = newParent;
+    item->rowHint = static_cast<std::uint32_t>(newRow);
     if (observer_) observer_->AfterMove(handle);
     return true;
 }
 
-TreeItem ItemTree::GetRootItem() const { return top_.empty() ? kNoItem : top_.front(); }
+TreeItem ItemTree::GetRootItem() const {
+    return top_.empty() ? kNoItem : top_.front();
+}
 
 TreeItem ItemTree::GetParent(TreeItem item) const {
     const Item* i = Find(item);
@@ -177,22 +273,27 @@ TreeItem ItemTree::ChildAt(TreeItem parent, std::size_t row) const {
 std::size_t ItemTree::RowOf(TreeItem item) const {
     const Item* i = Find(item);
     if (!i) return 0;
+    // The top of a detached subtree has no siblings.
+    if (!i->inTree && i->parent == kNoItem) return 0;
     const auto& siblings = *ChildrenOfConst(i->parent);
     if (i->rowHint < siblings.size() && siblings[i->rowHint] == item) return i->rowHint;
     auto row = std::size_t(std::find(siblings.begin(), siblings.end(), item) - siblings.begin());
     i->rowHint = static_cast<std::uint32_t>(row);
+    // The search also refreshes the hints of the siblings, so that walking them all stays linear.
+    for (std::size_t r = 0; r < siblings.size(); ++r)
+        Find(siblings[r])->rowHint = static_cast<std::uint32_t>(r);
     return row;
 }
 
 TreeItem ItemTree::GetNextSibling(TreeItem item) const {
     const Item* i = Find(item);
-    if (!i) return kNoItem;
+    if (!i || (!i->inTree && i->parent == kNoItem)) return kNoItem;
     return ChildAt(i->parent, RowOf(item) + 1);
 }
 
 TreeItem ItemTree::GetPrevSibling(TreeItem item) const {
     const Item* i = Find(item);
-    if (!i) return kNoItem;
+    if (!i || (!i->inTree && i->parent == kNoItem)) return kNoItem;
     std::size_t row = RowOf(item);
     return row == 0 ? kNoItem : ChildAt(i->parent, row - 1);
 }
@@ -202,6 +303,20 @@ TreeItem ItemTree::NextInPreOrder(TreeItem item) const {
     for (TreeItem i = item; i != kNoItem; i = GetParent(i))
         if (TreeItem next = GetNextSibling(i)) return next;
     return kNoItem;
+}
+
+TreeItem ItemTree::NextInSubtree(TreeItem item, TreeItem top) const {
+    if (TreeItem child = GetChild(item)) return child;
+    for (TreeItem i = item; i != kNoItem && i != top; i = GetParent(i))
+        if (TreeItem next = GetNextSibling(i)) return next;
+    return kNoItem;
+}
+
+std::size_t ItemTree::SubtreeSize(TreeItem top) const {
+    if (!Find(top)) return 0;
+    std::size_t count = 0;
+    for (TreeItem i = top; i != kNoItem; i = NextInSubtree(i, top)) ++count;
+    return count;
 }
 
 const std::u16string& ItemTree::GetText(TreeItem item) const {
@@ -214,7 +329,7 @@ void ItemTree::SetText(TreeItem item, std::u16string text) {
     Item* i = Find(item);
     if (!i || i->text == text) return;
     i->text = std::move(text);
-    if (observer_) observer_->ItemChanged(item);
+    if (Announce(item)) observer_->ItemChanged(item);
 }
 
 std::uint32_t ItemTree::GetTextColour(TreeItem item) const {
@@ -232,7 +347,7 @@ void ItemTree::SetColours(TreeItem item, std::uint32_t text, std::uint32_t back)
     if (!i || (i->textColour == text && i->backColour == back)) return;
     i->textColour = text;
     i->backColour = back;
-    if (observer_) observer_->ItemChanged(item);
+    if (Announce(item)) observer_->ItemChanged(item);
 }
 
 int ItemTree::GetImage(TreeItem item) const {
@@ -244,7 +359,7 @@ void ItemTree::SetImage(TreeItem item, int image) {
     Item* i = Find(item);
     if (!i || i->image == image) return;
     i->image = image;
-    if (observer_) observer_->ItemChanged(item);
+    if (Announce(item)) observer_->ItemChanged(item);
 }
 
 bool ItemTree::IsExpanded(TreeItem item) const {
@@ -256,11 +371,11 @@ void ItemTree::Expand(TreeItem item, bool expand) {
     Item* i = Find(item);
     if (!i || i->expanded == expand) return;
     i->expanded = expand;
-    if (observer_) observer_->ExpandedChanged(item, expand);
+    if (Announce(item)) observer_->ExpandedChanged(item, expand);
 }
 
 void ItemTree::Select(TreeItem item) {
-    if (item != kNoItem && !Find(item)) return;
+    if (item != kNoItem && !IsInTree(item)) return;
     if (item == selected_) return;
     TreeItem previous = selected_;
     selected_ = item;
@@ -268,7 +383,7 @@ void ItemTree::Select(TreeItem item) {
 }
 
 void ItemTree::EnsureVisible(TreeItem item) {
-    if (!Find(item)) return;
+    if (!IsInTree(item)) return;
     // Like a tree control, make every ancestor expanded so the item can be seen.
     for (TreeItem p = GetParent(item); p != kNoItem; p = GetParent(p)) Expand(p, true);
     if (observer_) observer_->EnsureVisible(item);
@@ -280,9 +395,30 @@ void ItemTree::SetRedraw(bool on) {
     if (observer_) observer_->RedrawChanged(on);
 }
 
+void ItemTree::BeginBatch() {
+    if (batch_++ == 0 && observer_) observer_->BatchBegin();
+}
+
+void ItemTree::EndBatch() {
+    if (batch_ > 0 && --batch_ == 0 && observer_) observer_->BatchEnd();
+}
+
 TreeItemData* ItemTree::GetData(TreeItem item) const {
     const Item* i = Find(item);
     return i ? i->data.get() : nullptr;
+}
+
+DetachedSubtree& DetachedSubtree::operator=(DetachedSubtree&& other) noexcept {
+    if (this != &other) {
+        if (tree_) tree_->DiscardDetached(top_);
+        tree_ = std::exchange(other.tree_, nullptr);
+        top_ = std::exchange(other.top_, kNoItem);
+    }
+    return *this;
+}
+
+DetachedSubtree::~DetachedSubtree() {
+    if (tree_) tree_->DiscardDetached(top_);
 }
 
 }  // namespace dlg

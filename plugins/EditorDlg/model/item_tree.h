@@ -4,11 +4,14 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace dlg {
 
-// A handle of an item; 0 is "no item". Handles stay valid until their item is deleted.
+// A handle of an item; 0 is "no item". Handles are never given to another item, not even after
+// DeleteAllItems, so a handle that an undo command or a clipboard keeps either still names its
+// own item or names nothing.
 using TreeItem = std::uint32_t;
 inline constexpr TreeItem kNoItem = 0;
 // Insertion places besides "after this sibling".
@@ -21,7 +24,8 @@ struct TreeItemData {
 };
 
 // What a view must hear to follow the tree. Insert and remove come in before/after pairs so that
-// a view can announce the change around it.
+// a view can announce the change around it; an inserted item may bring a whole subtree along.
+// Nothing is announced about items outside the tree (detached subtrees).
 class ItemTreeObserver {
 public:
     virtual ~ItemTreeObserver() = default;
@@ -38,10 +42,17 @@ public:
     virtual void SelectionChanged(TreeItem /*previous*/, TreeItem /*current*/) {}
     virtual void EnsureVisible(TreeItem /*item*/) {}
     virtual void RedrawChanged(bool /*on*/) {}
+    // Around a group of changes that make one edit, so that a view can show them at once.
+    virtual void BatchBegin() {}
+    virtual void BatchEnd() {}
 };
 
 // The items of a tree control, in plain C++: a forest of items with text, colours, an image,
 // expanded and selected states, and owned data. Views show it; the editor's model drives it.
+//
+// A subtree can also be taken out of the tree without being destroyed (detached) and put back
+// later, which is how undo keeps what it removed. No operation recurses, so trees of any depth
+// are fine.
 class ItemTree {
 public:
     ItemTree();
@@ -61,6 +72,21 @@ public:
     // Moves the item with its subtree to a new place; refused into its own subtree.
     bool MoveItem(TreeItem item, TreeItem newParent, TreeItem after);
 
+    // An item outside the tree, to be filled and then attached.
+    TreeItem CreateDetached(std::u16string text, std::unique_ptr<TreeItemData> data = nullptr);
+    // Adds a child to a detached item (building a detached subtree).
+    TreeItem InsertDetachedChild(TreeItem parent, std::u16string text,
+                                 std::unique_ptr<TreeItemData> data = nullptr);
+    // Takes an item and its subtree out of the tree, keeping them (handles, data, states). The
+    // selection inside it is cleared. False when the item is not in the tree.
+    bool Detach(TreeItem item);
+    // Puts a detached subtree back as the child at `row` of `parent` (rows past the end append).
+    bool Attach(TreeItem item, TreeItem parent, std::size_t row);
+    // Destroys a detached subtree; nothing happens for an item in the tree or a stale handle.
+    void DiscardDetached(TreeItem item);
+    // True for an item that is part of the tree (not detached, not deleted).
+    bool IsInTree(TreeItem item) const;
+
     bool IsValid(TreeItem item) const;
     TreeItem GetRootItem() const;  // the first top-level item
     TreeItem GetParent(TreeItem item) const;
@@ -74,7 +100,11 @@ public:
     std::size_t RowOf(TreeItem item) const;
     // Next item in pre-order (children first, then siblings, then ancestors' siblings).
     TreeItem NextInPreOrder(TreeItem item) const;
+    // Next item in pre-order that is still inside `top`'s subtree; kNoItem after its last.
+    TreeItem NextInSubtree(TreeItem item, TreeItem top) const;
     std::size_t Size() const { return live_; }
+    // Items of a subtree, the top included.
+    std::size_t SubtreeSize(TreeItem top) const;
 
     const std::u16string& GetText(TreeItem item) const;
     void SetText(TreeItem item, std::u16string text);
@@ -92,6 +122,9 @@ public:
     // Redraw off while many items change; views may then refresh once.
     void SetRedraw(bool on);
     bool RedrawOn() const { return redraw_; }
+    // Marks a group of changes as one edit; nests. Views hear the outermost pair only.
+    void BeginBatch();
+    void EndBatch();
 
     TreeItemData* GetData(TreeItem item) const;
 
@@ -99,19 +132,47 @@ private:
     struct Item;
     Item* Find(TreeItem item);
     const Item* Find(TreeItem item) const;
+    Item& At(TreeItem item);
     std::vector<TreeItem>& ChildrenOf(TreeItem parent);
     const std::vector<TreeItem>* ChildrenOfConst(TreeItem parent) const;
     std::size_t InsertRow(const std::vector<TreeItem>& siblings, TreeItem after) const;
+    TreeItem NewItem(TreeItem parent, std::u16string text, std::unique_ptr<TreeItemData> data);
     void Release(TreeItem item);
+    void SetInTree(TreeItem top, bool inTree);
     bool IsInSubtree(TreeItem item, TreeItem ancestor) const;
+    bool Announce(TreeItem item) const;
 
-    std::vector<Item> items_;  // slot = handle - 1
-    std::vector<TreeItem> free_;
+    std::vector<Item> items_;  // slot = handle - base_ - 1; dead slots keep no text or data
+    TreeItem base_ = 0;        // handles below this belong to trees cleared by DeleteAllItems
     std::vector<TreeItem> top_;
     std::size_t live_ = 0;
     TreeItem selected_ = kNoItem;
     bool redraw_ = true;
+    int batch_ = 0;
     ItemTreeObserver* observer_ = nullptr;
+};
+
+// Owns a detached subtree of an item tree: destroys it when dropped, unless it has been attached
+// in the meantime (then it belongs to the tree again).
+class DetachedSubtree {
+public:
+    DetachedSubtree() = default;
+    DetachedSubtree(ItemTree& tree, TreeItem top) : tree_(&tree), top_(top) {}
+    DetachedSubtree(DetachedSubtree&& other) noexcept { *this = std::move(other); }
+    DetachedSubtree& operator=(DetachedSubtree&& other) noexcept;
+    ~DetachedSubtree();
+
+    TreeItem Top() const { return top_; }
+    bool Empty() const { return top_ == kNoItem; }
+    // Gives the subtree up (it has been attached): it is no longer destroyed from here.
+    TreeItem Release() {
+        tree_ = nullptr;
+        return std::exchange(top_, kNoItem);
+    }
+
+private:
+    ItemTree* tree_ = nullptr;
+    TreeItem top_ = kNoItem;
 };
 
 }  // namespace dlg

@@ -3,12 +3,10 @@
 namespace dlg {
 
 namespace {
+// One item, or its whole subtree walked in pre-order (no recursion: chains can be very deep).
 void Apply(ItemTree& items, TreeItem item, bool expand, bool wholeBranch) {
-    if (!expand) items.Expand(item, false);
-    if (wholeBranch)
-        for (TreeItem child = items.GetChild(item); child != kNoItem; child = items.GetNextSibling(child))
-            Apply(items, child, expand, wholeBranch);
-    if (expand) items.Expand(item, true);
+    if (!wholeBranch) return items.Expand(item, expand);
+    for (TreeItem i = item; i != kNoItem; i = items.NextInSubtree(i, item)) items.Expand(i, expand);
 }
 }  // namespace
 
@@ -24,11 +22,16 @@ void RunExpandCommand(ItemTree& items, ExpandCommand command) {
     TreeItem selected = items.GetSelection();
     TreeItem root = items.GetRootItem();
     switch (command) {
-        case ExpandCommand::Expand: return ExpandOrCollapse(items, selected, true, false);
-        case ExpandCommand::ExpandBranch: return ExpandOrCollapse(items, selected, true, true);
-        case ExpandCommand::ExpandAll: return ExpandOrCollapse(items, root, true, true);
-        case ExpandCommand::Collapse: return ExpandOrCollapse(items, selected, false, false);
-        case ExpandCommand::CollapseBranch: return ExpandOrCollapse(items, selected, false, true);
+        case ExpandCommand::Expand:
+            return ExpandOrCollapse(items, selected, true, false);
+        case ExpandCommand::ExpandBranch:
+            return ExpandOrCollapse(items, selected, true, true);
+        case ExpandCommand::ExpandAll:
+            return ExpandOrCollapse(items, root, true, true);
+        case ExpandCommand::Collapse:
+            return ExpandOrCollapse(items, selected, false, false);
+        case ExpandCommand::CollapseBranch:
+            return ExpandOrCollapse(items, selected, false, true);
         case ExpandCommand::CollapseAll:
             items.Select(root);
             return ExpandOrCollapse(items, root, false, true);

@@ -15,14 +15,29 @@ ConversationTreeView::ConversationTreeView(ItemTreeModel& model, QWidget* parent
     setExpandsOnDoubleClick(true);
     setAnimated(false);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
-    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    // The column is fitted to its labels once after each edit, not on every change: fitting on
+    // every change measures many rows again each time.
+    header()->setSectionResizeMode(QHeaderView::Interactive);
     header()->setStretchLastSection(false);
+    fit_.setSingleShot(true);
+    fit_.setInterval(0);
+    connect(&fit_, &QTimer::timeout, this, [this] { resizeColumnToContents(0); });
 
     connect(&model_, &ItemTreeModel::expandedChanged, this, &ConversationTreeView::FollowExpansion);
     connect(&model_, &ItemTreeModel::currentChanged, this, &ConversationTreeView::FollowCurrent);
     connect(&model_, &ItemTreeModel::ensureVisible, this,
             [this](const QModelIndex& index) { scrollTo(index); });
     connect(&model_, &ItemTreeModel::redrawChanged, this, &ConversationTreeView::FollowRedraw);
+    connect(&model_, &ItemTreeModel::itemsChanged, this, [this] {
+        viewport()->update();
+        fit_.start();
+    });
+    connect(&model_, &ItemTreeModel::batchBegin, this, [this] { inBatch_ = true; });
+    connect(&model_, &ItemTreeModel::batchEnd, this, [this] { inBatch_ = false; });
+    connect(&model_, &QAbstractItemModel::rowsInserted, this, [this] { fit_.start(); });
+    connect(&model_, &QAbstractItemModel::rowsRemoved, this, [this] { fit_.start(); });
+    connect(&model_, &QAbstractItemModel::rowsMoved, this, [this] { fit_.start(); });
+    connect(&model_, &QAbstractItemModel::modelReset, this, [this] { fit_.start(); });
     connect(this, &QTreeView::expanded, this,
             [this](const QModelIndex& i) { TellExpansion(i, true); });
     connect(this, &QTreeView::collapsed, this,
@@ -33,6 +48,9 @@ ConversationTreeView::ConversationTreeView(ItemTreeModel& model, QWidget* parent
 
 void ConversationTreeView::FollowExpansion(const QModelIndex& index, bool expanded) {
     if (!index.isValid()) return;
+    // Within an edit (a subtree coming back with its open branches) the expansions are only
+    // recorded, and the rows laid out once afterwards; one by one, each would search all rows.
+    if (inBatch_) scheduleDelayedItemsLayout();
     following_ = true;
     setExpanded(index, expanded);
     following_ = false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTimer>
 #include <QTreeView>
 
 #include "views/item_tree_model.h"
@@ -28,6 +29,9 @@ private:
     ItemTreeModel& model_;
     // Set while the view follows the tree, so that its own signals are not sent back.
     bool following_ = false;
+    bool inBatch_ = false;
+    // Fits the column to the labels once the current edit is shown.
+    QTimer fit_;
 };
 
 }  // namespace dlg

@@ -1,6 +1,7 @@
 #include "views/item_tree_model.h"
 
 #include <QColor>
+#include <utility>
 
 #include "model/dlg_editor_settings.h"
 
@@ -87,6 +88,10 @@ void ItemTreeModel::BeforeInsert(TreeItem parent, std::size_t row) {
 
 void ItemTreeModel::AfterInsert(TreeItem item) {
     endInsertRows();
+    // A subtree that comes back (undo, paste) brings its expanded items along: the view only
+    // learns of them from here.
+    for (TreeItem i = item; i != kNoItem; i = items_.NextInSubtree(i, item))
+        if (items_.IsExpanded(i) && items_.HasChildren(i)) emit expandedChanged(IndexOf(i), true);
     // The parent may have had no children before: its decoration changes.
     if (TreeItem parent = items_.GetParent(item); items_.ChildCount(parent) == 1)
         ItemChanged(parent);
@@ -128,9 +133,24 @@ void ItemTreeModel::AfterReset() {
     endResetModel();
 }
 
-void ItemTreeModel::ItemChanged(TreeItem item) {
-    QModelIndex index = IndexOf(item);
-    if (index.isValid()) emit dataChanged(index, index);
+// Texts and colours never change a row's size (uniform rows, one column), so the view only has to
+// repaint. A dataChanged per item would make the view look each row up among all its rows.
+void ItemTreeModel::ItemChanged(TreeItem) {
+    if (inBatch_)
+        changedInBatch_ = true;
+    else
+        emit itemsChanged();
+}
+
+void ItemTreeModel::BatchBegin() {
+    inBatch_ = true;
+    emit batchBegin();
+}
+
+void ItemTreeModel::BatchEnd() {
+    inBatch_ = false;
+    if (std::exchange(changedInBatch_, false)) emit itemsChanged();
+    emit batchEnd();
 }
 
 void ItemTreeModel::ExpandedChanged(TreeItem item, bool expanded) {

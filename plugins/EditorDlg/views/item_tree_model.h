@@ -34,6 +34,11 @@ public:
 
 signals:
     void expandedChanged(const QModelIndex& index, bool expanded);
+    // Texts or colours changed (once per edit): the view repaints what it shows.
+    void itemsChanged();
+    // Around one edit, so that the view lays out once for all of it.
+    void batchBegin();
+    void batchEnd();
     void currentChanged(const QModelIndex& index);
     void ensureVisible(const QModelIndex& index);
     void redrawChanged(bool on);
@@ -52,10 +57,14 @@ private:
     void SelectionChanged(TreeItem previous, TreeItem current) override;
     void EnsureVisible(TreeItem item) override;
     void RedrawChanged(bool on) override;
+    void BatchBegin() override;
+    void BatchEnd() override;
 
     ItemTree& items_;
     // A move Qt refuses to describe is announced as a reset instead.
     bool moveAsReset_ = false;
+    bool inBatch_ = false;
+    bool changedInBatch_ = false;
 };
 
 }  // namespace dlg

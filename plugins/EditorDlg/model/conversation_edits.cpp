@@ -1,0 +1,174 @@
+#include "model/conversation_edits.h"
+
+#include <memory>
+
+namespace dlg {
+
+void ConversationEdits::Reindex() {
+    links_.Clear();
+    if (TreeItem root = tree_.RootItem()) links_.AddSubtree(tree_.Items(), root);
+}
+
+TreeItem ConversationEdits::ItemAt(std::int32_t treeIndex) const {
+    if (treeIndex == 0) return tree_.RootItem();
+    ConversationNode* node = tree_.NodeAt(treeIndex);
+    return node ? node->treeItem : kNoItem;
+}
+
+std::int32_t ConversationEdits::IndexOf(TreeItem item) const {
+    if (!tree_.Items().IsInTree(item)) return -1;
+    if (item == tree_.RootItem()) return 0;
+    ConversationNode* node = tree_.NodeOf(item);
+    return node ? node->TreeIndex : -1;
+}
+
+std::int32_t ConversationEdits::IndexAfterSubtree(TreeItem item) const {
+    TreeItem end = tree_.SubtreeEnd(item);
+    return end != kNoItem ? IndexOf(end) : static_cast<std::int32_t>(tree_.NodeCount());
+}
+
+void ConversationEdits::BeginEdit() {
+    if (depth_++ == 0) tree_.Items().BeginBatch();
+}
+
+void ConversationEdits::EndEdit() {
+    if (depth_ == 0 || --depth_ > 0) return;
+    ItemTree& items = tree_.Items();
+    bool structure = renumber_;
+    if (renumber_) tree_.Renumber();
+    renumber_ = false;
+    // Subtrees that came in or moved may sit under other ambient lines now; their labels were
+    // made elsewhere (a clipboard, another state of the tree).
+    for (TreeItem top : attached_) {
+        if (!items.IsInTree(top)) continue;
+        tree_.UpdateAmbient(top);
+        tree_.RefreshSubtree(top);
+    }
+    for (TreeItem item : touched_)
+        if (items.IsInTree(item)) RefreshLine(item);
+    attached_.clear();
+    touched_.clear();
+    items.EndBatch();
+    if (structure && observer_) observer_->StructureChanged();
+}
+
+bool ConversationEdits::FitsUnder(TreeItem parent, const ConversationNode& child) const {
+    const ItemTree& items = tree_.Items();
+    if (!items.IsInTree(parent)) return false;
+    if (parent == tree_.RootItem()) return child.isNPC;
+    const ConversationNode* p = tree_.NodeOf(parent);
+    return p && !p->isLink && p->isNPC != child.isNPC;
+}
+
+DetachedSubtree ConversationEdits::Detach(TreeItem item) {
+    ItemTree& items = tree_.Items();
+    if (!items.IsInTree(item) || item == tree_.RootItem()) return {};
+    BeginEdit();
+    TreeItem parent = items.GetParent(item);
+    links_.RemoveSubtree(items, item);
+    items.Detach(item);
+    renumber_ = true;
+    Touch(parent);
+    EndEdit();
+    return DetachedSubtree(items, item);
+}
+
+bool ConversationEdits::Attach(DetachedSubtree&& subtree, TreeItem parent, std::size_t row) {
+    ItemTree& items = tree_.Items();
+    TreeItem top = subtree.Top();
+    ConversationNode* node = tree_.NodeOf(top);
+    if (!node || items.IsInTree(top) || !FitsUnder(parent, *node)) return false;
+    BeginEdit();
+    bool attached = items.Attach(top, parent, row);
+    if (attached) {
+        subtree.Release();
+        links_.AddSubtree(items, top);
+        renumber_ = true;
+        Touch(parent);
+        attached_.push_back(top);
+    }
+    EndEdit();
+    return attached;
+}
+
+bool ConversationEdits::Move(TreeItem item, TreeItem parent, std::size_t row) {
+    ItemTree& items = tree_.Items();
+    ConversationNode* node = tree_.NodeOf(item);
+    if (!node || !items.IsInTree(item) || !FitsUnder(parent, *node)) return false;
+    TreeItem oldParent = items.GetParent(item);
+    std::size_t count = items.ChildCount(parent) - (parent == oldParent ? 1 : 0);
+    if (row > count) row = count;
+    TreeItem after = row == 0 ? kInsertFirst : kNoItem;
+    if (row > 0) {
+        // The sibling the item goes after, counted without the item itself.
+        std::size_t r = row - 1;
+        if (parent == oldParent && r >= items.RowOf(item)) ++r;
+        after = items.ChildAt(parent, r);
+    }
+    BeginEdit();
+    bool moved = items.MoveItem(item, parent, after);
+    if (moved) {
+        renumber_ = true;
+        Touch(oldParent);
+        Touch(parent);
+        attached_.push_back(item);
+    }
+    EndEdit();
+    return moved;
+}
+
+DetachedSubtree ConversationEdits::NewLine(bool npc, CAgentConversationLine line) {
+    auto owned = std::make_unique<ConversationNode>();
+    ConversationNode* node = owned.get();
+    node->isNPC = npc;
+    node->line = std::move(line);
+    ItemTree& items = tree_.Items();
+    node->treeItem = items.CreateDetached(std::u16string(), std::move(owned));
+    return DetachedSubtree(items, node->treeItem);
+}
+
+DetachedSubtree ConversationEdits::NewLink(ConversationNode& target) {
+    if (target.isLink) return {};
+    auto owned = std::make_unique<ConversationNode>();
+    ConversationNode* node = owned.get();
+    node->isNPC = target.isNPC;
+    node->isLink = true;
+    node->linkTarget = &target;
+    node->line.Bind(target.line.GetNode());
+    ItemTree& items = tree_.Items();
+    node->treeItem = items.CreateDetached(std::u16string(), std::move(owned));
+    return DetachedSubtree(items, node->treeItem);
+}
+
+void ConversationEdits::RefreshLine(TreeItem item) {
+    tree_.RefreshItem(item);
+    if (ConversationNode* node = tree_.NodeOf(item); node && !node->isLink)
+        for (ConversationNode* link : links_.LinksTo(*node)) tree_.RefreshItem(link->treeItem);
+}
+
+bool ConversationEdits::RefreshNode(std::int32_t treeIndex, int changeCode, bool select) {
+    ItemTree& items = tree_.Items();
+    TreeItem item = treeIndex == -1 ? items.GetSelection() : ItemAt(treeIndex);
+    if (item == kNoItem) return false;
+    BeginEdit();
+    if (select) items.Select(item);
+    if (changeCode == kChangeAll) {
+        tree_.UpdateAmbient(tree_.RootItem());
+        tree_.RefreshAll();
+    } else if (changeCode == kChangeAmbient) {
+        tree_.UpdateAmbient(item);
+        tree_.RefreshSubtree(item);
+        RefreshLine(item);
+    } else {
+        RefreshLine(item);
+    }
+    EndEdit();
+    if (observer_) observer_->LineRefreshed(item, changeCode);
+    return true;
+}
+
+void ConversationEdits::AnimationChanged(std::uint32_t animation, const std::u16string& tag) {
+    if (observer_) observer_->AnimationChanged(tree_.Items().GetSelection(), animation, tag);
+}
+
+}  // namespace dlg

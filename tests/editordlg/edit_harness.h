@@ -1,0 +1,109 @@
+#pragma once
+
+// An open conversation with an undo stack, as the editor holds one, for tests of edits: every
+// command goes apply, check, undo, check the original, redo, check; and the tree's invariants
+// can be checked after any step.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "core/undo_support.h"
+#include "model/conversation_edits.h"
+#include "model/conversation_tree.h"
+#include "ts/propertycompare.h"
+#include "ts/text.h"
+
+namespace dlg::test {
+
+class OpenConversation {
+public:
+    explicit OpenConversation(ITsProperty* resource) {
+        std::u16string error;
+        loaded = tree.Build(resource, error);
+        edits.Reindex();
+    }
+
+    // The conversation as the host would get it on saving.
+    CTsComPtr<ITsProperty> Written() const {
+        CAgentConversation out;
+        if (!tree.WriteBack(out)) return {};
+        return CTsComPtr<ITsProperty>(out.GetNode());
+    }
+
+    // The first broken rule of the tree, or "" when it holds them all: lines alternate NPC and
+    // player by depth under the root, links have no children and point at lines in the tree of
+    // their own kind, TreeIndex numbers the items in pre-order, the link index holds exactly the
+    // links of the tree, and writing back then building again gives the same tree.
+    std::string Broken() const {
+        const ItemTree& items = tree.Items();
+        std::int32_t number = 0;
+        std::size_t links = 0;
+        for (TreeItem item = tree.RootItem(); item != kNoItem; item = items.NextInPreOrder(item)) {
+            ConversationNode* node = tree.NodeOf(item);
+            std::int32_t expected = number++;
+            if (item == tree.RootItem()) continue;
+            std::string at = " at TreeIndex " + std::to_string(expected);
+            if (!node) return "an item without a node" + at;
+            if (node->TreeIndex != expected || tree.NodeAt(expected) != node)
+                return "numbering is not pre-order" + at;
+            ConversationNode* parent = tree.NodeOf(items.GetParent(item));
+            bool npcExpected = parent ? !parent->isNPC : true;
+            if (node->isNPC != npcExpected) return "kinds do not alternate" + at;
+            if (parent && parent->isLink) return "a link has children" + at;
+            if (node->isLink) {
+                ++links;
+                const ConversationNode* target = node->linkTarget;
+                if (!target || target->isLink || target->isNPC != node->isNPC ||
+                    !items.IsInTree(target->treeItem))
+                    return "a link does not point at a line of its kind" + at;
+                const auto& index = edits.Links().LinksTo(*target);
+                if (std::find(index.begin(), index.end(), node) == index.end())
+                    return "the link index misses a link" + at;
+            }
+        }
+        if (std::size_t(number) != tree.NodeCount()) return "the numbering table has stale entries";
+        if (edits.Links().LinkCount() != links) return "the link index holds links not in the tree";
+
+        CTsComPtr<ITsProperty> written = Written();
+        if (!written) return "write-back failed";
+        ConversationTree again;
+        std::u16string error;
+        if (!again.Build(written.Get(), error)) return "the written tree does not load";
+        CAgentConversation rewritten;
+        if (!again.WriteBack(rewritten)) return "write-back of the reloaded tree failed";
+        std::u16string difference;
+        if (!ts::PropertyTreesEqual(written.Get(), rewritten.GetNode(), &difference))
+            return "write-back then load changes the tree: " + ts::Utf16ToUtf8(difference);
+        return {};
+    }
+
+    // Runs the command through the stack and checks it both ways: applied, `check` holds and
+    // the tree is sound; undone, the conversation writes back exactly as before; redone, `check`
+    // holds again.
+    template <class Check>
+    void RoundTrip(std::unique_ptr<CTsUndoCommand> command, Check&& check) {
+        ASSERT_TRUE(command);
+        CTsComPtr<ITsProperty> before = Written();
+        std::size_t depth = stack.UndoCount();
+        ASSERT_TRUE(stack.AddCommand(std::move(command), true));
+        ASSERT_EQ(stack.UndoCount(), depth + 1);
+        check();
+        EXPECT_EQ(Broken(), "") << "after doing";
+        ASSERT_TRUE(stack.Undo());
+        EXPECT_EQ(Broken(), "") << "after undoing";
+        std::u16string difference;
+        EXPECT_TRUE(ts::PropertyTreesEqual(before.Get(), Written().Get(), &difference))
+            << "undo did not restore: " << ts::Utf16ToUtf8(difference);
+        ASSERT_TRUE(stack.Redo());
+        check();
+        EXPECT_EQ(Broken(), "") << "after redoing";
+    }
+
+    ConversationTree tree;
+    ConversationEdits edits{tree};
+    CTsUndoSupportBase stack{kTsDefaultUndoDepth};
+    bool loaded = false;
+};
+
+}  // namespace dlg::test
