@@ -149,7 +149,7 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     EXPECT_FALSE(root.data(Qt::ForegroundRole).isValid()) << "the root keeps the system colours";
 
     // Commands reach the editor by id; those for later work are there but disabled.
-    EXPECT_FALSE(Enabled(u"Edit.DialogEditor.Insert.Line"));
+    EXPECT_FALSE(Enabled(u"Edit.DialogEditor.FindLinks"));
     EXPECT_FALSE(Enabled(u"Edit.DialogEditor.JumpToTarget")) << "the root is no link";
     ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
     EXPECT_EQ(VisibleRows(tree), AllRows(model)) << "every item shows";

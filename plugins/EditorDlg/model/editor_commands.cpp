@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "model/conversation_editor_wnd.h"
+#include "model/insert_line.h"
 #include "model/tree_view_commands.h"
 #include "ts/format.h"
 #include "ts/hostui.h"
@@ -57,6 +58,13 @@ bool IsEnabled(CConversationEditorWnd& window, std::uint32_t id) {
         }
         case kCountNPCLinesInBranch:
             return items.IsValid(selected);
+        case kInsertLine:
+        case kInsertLineAfter: {
+            // Under a link nothing can go; Insert Line After on a link goes to its parent.
+            const ConversationNode* node = tree.NodeOf(selected);
+            return loaded && !window.IsReadOnly() && items.IsValid(selected) &&
+                   (id == kInsertLineAfter || !node || !node->isLink);
+        }
         default:
             return false;
     }
@@ -91,9 +99,28 @@ bool RunCommand(CConversationEditorWnd& window, std::uint32_t id) {
                          window.DisplayName(), MB_OK | MB_ICONINFORMATION);
             return true;
         }
+        case kInsertLine:
+        case kInsertLineAfter:
+            return InsertLine(window, id == kInsertLineAfter);
         default:
             return false;
     }
+}
+
+bool InsertLine(CConversationEditorWnd& window, bool after) {
+    std::u16string message;
+    auto command = MakeInsertLine(window.Document().Edits(), after, message);
+    if (!command) {
+        if (!message.empty()) TsMessageBox(message, u"", MB_OK | MB_ICONERROR);
+        return false;
+    }
+    ItemTree& items = window.Document().Tree().Items();
+    TreeItem line = command->Nodes().front().subtree.Top();
+    if (!window.Perform(std::move(command))) return false;
+    items.Expand(items.GetParent(line), true);
+    items.Select(line);
+    items.EnsureVisible(line);
+    return true;
 }
 
 std::int32_t CountNPCLines(const ConversationTree& tree, TreeItem item) {

@@ -22,6 +22,8 @@ inline constexpr std::uint32_t kExpandAll = 40015;
 inline constexpr std::uint32_t kSimpleView = 40014;
 inline constexpr std::uint32_t kJumpToTarget = 124;
 inline constexpr std::uint32_t kCountNPCLinesInBranch = 40080;
+inline constexpr std::uint32_t kInsertLine = 40009;
+inline constexpr std::uint32_t kInsertLineAfter = 123;
 }  // namespace command_id
 
 // The state of a command on the tree's current selection (kTsCommandEnabled, kTsCommandChecked).
@@ -31,6 +33,10 @@ std::uint32_t CommandStateOf(CConversationEditorWnd& window, std::uint32_t id);
 
 // Runs a command by id; false (and nothing happens) when it is not enabled.
 bool RunCommand(CConversationEditorWnd& window, std::uint32_t id);
+
+// Insert Line (Insert Line After with `after`) through the window's undo stack: the new line
+// is selected and shown. False, after telling the user why, when there was nothing to do.
+bool InsertLine(CConversationEditorWnd& window, bool after);
 
 // NPC lines (links excluded) of the branch from `item` down, the item itself included.
 std::int32_t CountNPCLines(const ConversationTree& tree, TreeItem item);
