@@ -302,23 +302,9 @@ void RandomEdits(OpenConversation& c, std::uint32_t seed, int steps) {
                         Insertion(c, item, u"new " + std::u16string(1, char16_t(u'a' + step % 26)));
                 break;
             case 1:
-                if (node) {
-                    // The links from outside into the branch go with it, as Delete does.
-                    std::vector<TreeItem> links;
-                    for (TreeItem i = item; i != kNoItem; i = items.NextInSubtree(i, item))
-                        if (ConversationNode* n = c.tree.NodeOf(i); n && !n->isLink)
-                            for (ConversationNode* l : c.edits.Links().LinksTo(*n)) {
-                                bool inside = false;
-                                for (TreeItem p = l->treeItem; p != kNoItem && !inside;
-                                     p = items.GetParent(p))
-                                    inside = p == item;
-                                if (!inside) links.push_back(l->treeItem);
-                            }
-                    std::sort(links.begin(), links.end(), [&](TreeItem a, TreeItem b) {
-                        return c.edits.IndexOf(a) < c.edits.IndexOf(b);
-                    });
-                    command = Removal(c, item, links);
-                }
+                // The links from outside into the branch go with it, as Delete does.
+                if (node)
+                    command = CUndoCommandAddRemoveNodes::RemovalOf(u"Delete Line", c.edits, item);
                 break;
             case 2: {
                 TreeItem parent = all[pick(all.size())];

@@ -27,7 +27,7 @@ ItemTreeModel::~ItemTreeModel() {
 }
 
 QModelIndex ItemTreeModel::IndexOf(TreeItem item) const {
-    if (!items_.IsValid(item)) return {};
+    if (!items_.IsInTree(item)) return {};
     return createIndex(int(items_.RowOf(item)), 0, quintptr(item));
 }
 
@@ -83,6 +83,7 @@ Qt::ItemFlags ItemTreeModel::flags(const QModelIndex& index) const {
 }
 
 void ItemTreeModel::BeforeInsert(TreeItem parent, std::size_t row) {
+    FinishLayout();
     beginInsertRows(IndexOf(parent), int(row), int(row));
 }
 
@@ -97,17 +98,34 @@ void ItemTreeModel::AfterInsert(TreeItem item) {
         ItemChanged(parent);
 }
 
-void ItemTreeModel::BeforeRemove(TreeItem item) {
-    int row = int(items_.RowOf(item));
-    beginRemoveRows(IndexOf(items_.GetParent(item)), row, row);
+// A removal is announced as a change of layout, with the persistent indexes (the view's expanded
+// rows, its selection) mapped to where their items now stand: Qt's own removal checks every
+// persistent index against the removed rows by walking up to the root from each, which on a
+// deep, fully expanded conversation costs far more than a new layout.
+// Within an edit, all its removals make one change of layout.
+void ItemTreeModel::BeforeRemove(TreeItem) {
+    if (layoutPending_) return;
+    emit layoutAboutToBeChanged();
+    layoutPending_ = true;
 }
 
-void ItemTreeModel::AfterRemove(TreeItem parent, std::size_t) {
-    endRemoveRows();
-    if (!items_.HasChildren(parent)) ItemChanged(parent);
+void ItemTreeModel::AfterRemove(TreeItem, std::size_t) {
+    if (!inBatch_) FinishLayout();
+}
+
+void ItemTreeModel::FinishLayout() {
+    if (!layoutPending_) return;
+    layoutPending_ = false;
+    const QModelIndexList from = persistentIndexList();
+    QModelIndexList to;
+    to.reserve(from.size());
+    for (const QModelIndex& index : from) to.push_back(IndexOf(ItemOf(index)));
+    changePersistentIndexList(from, to);
+    emit layoutChanged();
 }
 
 void ItemTreeModel::BeforeMove(TreeItem item, TreeItem newParent, std::size_t newRow) {
+    FinishLayout();
     TreeItem oldParent = items_.GetParent(item);
     int oldRow = int(items_.RowOf(item));
     // The tree counts the new row without the item; Qt counts it with the item still in place.
@@ -127,6 +145,7 @@ void ItemTreeModel::AfterMove(TreeItem) {
 }
 
 void ItemTreeModel::BeforeReset() {
+    FinishLayout();
     beginResetModel();
 }
 void ItemTreeModel::AfterReset() {
@@ -149,19 +168,23 @@ void ItemTreeModel::BatchBegin() {
 
 void ItemTreeModel::BatchEnd() {
     inBatch_ = false;
+    FinishLayout();
     if (std::exchange(changedInBatch_, false)) emit itemsChanged();
     emit batchEnd();
 }
 
 void ItemTreeModel::ExpandedChanged(TreeItem item, bool expanded) {
+    FinishLayout();
     emit expandedChanged(IndexOf(item), expanded);
 }
 
 void ItemTreeModel::SelectionChanged(TreeItem, TreeItem current) {
+    FinishLayout();
     emit currentChanged(IndexOf(current));
 }
 
 void ItemTreeModel::EnsureVisible(TreeItem item) {
+    FinishLayout();
     emit ensureVisible(IndexOf(item));
 }
 

@@ -63,6 +63,9 @@ private:
     ItemTree& items_;
     // A move Qt refuses to describe is announced as a reset instead.
     bool moveAsReset_ = false;
+    // Removals wait for the end of the edit (or the next other change) to be shown in one go.
+    void FinishLayout();
+    bool layoutPending_ = false;
     bool inBatch_ = false;
     bool changedInBatch_ = false;
 };

@@ -42,6 +42,25 @@ CUndoNodeRecord CUndoCommandAddRemoveNodes::AppendTo(const dlg::ConversationEdit
     return record;
 }
 
+std::unique_ptr<CUndoCommandAddRemoveNodes> CUndoCommandAddRemoveNodes::RemovalOf(
+    std::u16string label, dlg::ConversationEdits& edits, TreeItem item) {
+    const ItemTree& items = edits.Tree().Items();
+    auto command = std::make_unique<CUndoCommandAddRemoveNodes>(std::move(label), edits, false);
+    CUndoNodeRecord record = RecordOf(edits, item);
+    // A link is inside the subtree when its number falls in the subtree's range.
+    std::int32_t first = record.treeIndex, end = record.treeIndex + record.size;
+    std::vector<std::int32_t> outside;
+    for (TreeItem i = item; i != kNoItem; i = items.NextInSubtree(i, item))
+        if (ConversationNode* node = edits.Tree().NodeOf(i); node && !node->isLink)
+            for (ConversationNode* link : edits.Links().LinksTo(*node))
+                if (link->TreeIndex < first || link->TreeIndex >= end)
+                    outside.push_back(link->TreeIndex);
+    std::sort(outside.begin(), outside.end());
+    for (std::int32_t link : outside) command->AddLink(RecordOf(edits, edits.ItemAt(link)));
+    command->AddNode(std::move(record));
+    return command;
+}
+
 std::vector<CUndoNodeRecord*> CUndoCommandAddRemoveNodes::AllRecords() {
     std::vector<CUndoNodeRecord*> all;
     for (auto& r : links_) all.push_back(&r);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,12 @@ public:
     // The record that appends a new subtree as the last child of `parent`, for an insertion.
     static CUndoNodeRecord AppendTo(const dlg::ConversationEdits& edits, dlg::TreeItem parent,
                                     dlg::DetachedSubtree subtree);
+
+    // A removal of the item's subtree together with every link from elsewhere that points at a
+    // line in it (a link to a line that is gone could not be written).
+    static std::unique_ptr<CUndoCommandAddRemoveNodes> RemovalOf(std::u16string label,
+                                                                 dlg::ConversationEdits& edits,
+                                                                 dlg::TreeItem item);
 
     void AddNode(CUndoNodeRecord record) { nodes_.push_back(std::move(record)); }
     void AddLink(CUndoNodeRecord record) { links_.push_back(std::move(record)); }
