@@ -44,11 +44,12 @@ TEST(CommandTable, MenusFindExistingCommandsAndAddUnknownNames) {
     CommandTable table;
     using K = MenuEntry::Kind;
     const std::vector<MenuEntry> menus = {
-        {K::Popup, u"Dialog", {{K::Command, u"Edit.DialogEditor.Insert.Line", {}},
-                               {K::Separator, u"", {}},
-                               {K::Popup, u"Highlight", {
-                                   {K::Command, u"View.DialogEditor.Highlight.Plot", {}}}},
-                               {K::Command, u"Tools.SomethingElse", {}}}}};
+        {K::Popup,
+         u"Dialog",
+         {{K::Command, u"Edit.DialogEditor.Insert.Line", {}},
+          {K::Separator, u"", {}},
+          {K::Popup, u"Highlight", {{K::Command, u"View.DialogEditor.Highlight.Plot", {}}}},
+          {K::Command, u"Tools.SomethingElse", {}}}}};
     ReportCapture reports;
     auto top = BuildConversationEditorCommands(table, menus);
     EXPECT_EQ(reports.size(), 0u);

@@ -98,14 +98,83 @@ TEST(ItemTree, InsertsNavigatesMovesAndDeletesLikeATreeControl) {
     EXPECT_EQ(tree.GetSelection(), kNoItem);
     EXPECT_EQ(rec.log, (Log{"-a", "select top"}));
     EXPECT_FALSE(tree.DeleteItem(a));
-    // Freed handles are reused; the tree stays consistent.
+    // A handle is never given to another item, not even after the tree was emptied.
     TreeItem d = tree.InsertItem(root, kInsertFirst, u"d");
     EXPECT_EQ(PreOrder(tree), u"R d 0 b c ");
     EXPECT_EQ(tree.GetNextSibling(d), first);
+    EXPECT_NE(d, a);
+    EXPECT_NE(d, a1);
     tree.DeleteAllItems();
     EXPECT_EQ(living, 0);
     EXPECT_EQ(tree.Size(), 0u);
     EXPECT_EQ(tree.GetRootItem(), kNoItem);
+    TreeItem again = tree.InsertItem(kNoItem, kInsertLast, u"again");
+    EXPECT_FALSE(tree.IsValid(root) || tree.IsValid(d));
+    EXPECT_GT(again, d);
+}
+
+TEST(ItemTree, ADetachedSubtreeKeepsItsItemsUntilAttachedOrDropped) {
+    ItemTree tree;
+    int living = 0;
+    TreeItem root = tree.InsertItem(kNoItem, kInsertLast, u"R");
+    TreeItem a = tree.InsertItem(root, kInsertLast, u"a", std::make_unique<Payload>(living));
+    TreeItem a1 = tree.InsertItem(a, kInsertLast, u"a1", std::make_unique<Payload>(living));
+    tree.InsertItem(root, kInsertLast, u"b");
+    tree.Expand(a, true);
+    tree.Select(a1);
+    Recorder rec(tree);
+
+    // Out of the tree: announced as a removal, the selection inside it cleared, nothing about it
+    // announced afterwards, its items and states kept.
+    ASSERT_TRUE(tree.Detach(a));
+    EXPECT_EQ(PreOrder(tree), u"R b ");
+    EXPECT_FALSE(tree.IsInTree(a1));
+    EXPECT_TRUE(tree.IsValid(a1));
+    EXPECT_EQ(tree.GetSelection(), kNoItem);
+    tree.SetText(a1, u"A1");
+    tree.Select(a1);  // refused: not in the tree
+    EXPECT_EQ(rec.log, (Log{"-a", "select top"}));
+    EXPECT_FALSE(tree.Detach(a)) << "already out";
+
+    // Back at row 1 (rows past the end append), the same items with their states.
+    rec.log.clear();
+    ASSERT_TRUE(tree.Attach(a, root, 1));
+    EXPECT_EQ(PreOrder(tree), u"R b a A1 ");
+    EXPECT_TRUE(tree.IsExpanded(a));
+    EXPECT_EQ(rec.log, (Log{"+R@1"}));
+    EXPECT_FALSE(tree.Attach(a, root, 0)) << "already in";
+
+    // A subtree held and dropped is freed; dropped after it was attached again, it stays.
+    {
+        ASSERT_TRUE(tree.Detach(a));
+        DetachedSubtree held(tree, a);
+    }
+    EXPECT_EQ(living, 0);
+    EXPECT_FALSE(tree.IsValid(a1));
+    TreeItem c = tree.CreateDetached(u"c", std::make_unique<Payload>(living));
+    tree.InsertDetachedChild(c, u"c1");
+    {
+        DetachedSubtree held(tree, c);
+        ASSERT_TRUE(tree.Attach(c, root, 0));
+        held.Release();
+    }
+    EXPECT_EQ(PreOrder(tree), u"R c c1 b ");
+    EXPECT_EQ(living, 1);
+}
+
+// A chain deeper than any stack: inserting, walking, detaching and freeing are loops.
+TEST(ItemTree, AChainOfAMillionItemsIsWalkedAndFreedWithoutRecursion) {
+    ItemTree tree;
+    TreeItem item = tree.InsertItem(kNoItem, kInsertLast, u"R");
+    TreeItem head = kNoItem;
+    for (int i = 0; i < 1000000; ++i) {
+        item = tree.InsertItem(item, kInsertLast, u"");
+        if (!head) head = item;
+    }
+    EXPECT_EQ(tree.SubtreeSize(head), 1000000u);
+    ASSERT_TRUE(tree.Detach(head));
+    tree.DiscardDetached(head);
+    EXPECT_EQ(tree.Size(), 1u);
 }
 
 TEST(ItemTree, StatesChangeOnlyWhenTheyDiffer) {

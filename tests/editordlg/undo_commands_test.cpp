@@ -3,6 +3,7 @@
 // sequences that keep the tree sound, and chains and parents far larger than any conversation.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <random>
 
 #include "edit_harness.h"
@@ -387,7 +388,9 @@ TEST(UndoCommands, RandomEditSequencesKeepTheTreeSound) {
 // A chain far deeper than any conversation, and a line with a great many answers: every pass over
 // the tree is a loop, never recursion.
 TEST(UndoCommands, DeepChainsAndWideParentsLoadEditAndUndo) {
-    constexpr std::uint32_t kDepth = 100000;
+    // TS_DEEP_CHAIN makes it deeper (500000 is checked before a release).
+    const char* depth = std::getenv("TS_DEEP_CHAIN");
+    const std::uint32_t kDepth = depth ? std::uint32_t(std::strtoul(depth, nullptr, 10)) : 100000;
     ConversationBuilder chain;
     CAgentConversationLine prototype;
     prototype.CreateOn(nullptr);

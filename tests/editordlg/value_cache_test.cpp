@@ -44,7 +44,7 @@ TEST(ValueCacheKeys, OrderByKindThenByEveryField) {
     const C2daCacheKey condition2(u"appearance", u"MODELTREE", {{u"Use", variant(kTsTypeInt, 2)}});
     const C2daCacheKey withDefault(u"appearance", u"MODELTREE", {}, u"(none)");
     const CDbResRefCacheKey scripts(2009), plots(2010);
-    const CValueCacheKey* distinct[] = {&appearance, &column,  &condition1, &condition2,
+    const CValueCacheKey* distinct[] = {&appearance,  &column,  &condition1, &condition2,
                                         &withDefault, &scripts, &plots};
     auto equivalent = [](const CValueCacheKey& a, const CValueCacheKey& b) {
         return !a.Less(b) && !b.Less(a);

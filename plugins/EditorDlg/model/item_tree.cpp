@@ -91,12 +91,17 @@ TreeItem ItemTree::InsertItem(TreeItem parent, TreeItem after, std::u16string te
 
     TreeItem handle = NewItem(parent, std::move(text), std::move(data));
     At(handle).inTree = true;
+    PlaceAt(handle, parent, row);
+    return handle;
+}
+
+void ItemTree::PlaceAt(TreeItem handle, TreeItem parent, std::size_t row) {
+    At(handle).parent = parent;
     if (observer_) observer_->BeforeInsert(parent, row);
     auto& siblings = ChildrenOf(parent);
     siblings.insert(siblings.begin() + std::ptrdiff_t(row), handle);
     At(handle).rowHint = static_cast<std::uint32_t>(row);
     if (observer_) observer_->AfterInsert(handle);
-    return handle;
 }
 
 TreeItem ItemTree::CreateDetached(std::u16string text, std::unique_ptr<TreeItemData> data) {
@@ -176,12 +181,7 @@ bool ItemTree::Attach(TreeItem handle, TreeItem parent, std::size_t row) {
     if (parent != kNoItem && !IsInTree(parent)) return false;
     row = std::min(row, ChildrenOf(parent).size());
     SetInTree(handle, true);
-    At(handle).parent = parent;
-    if (observer_) observer_->BeforeInsert(parent, row);
-    auto& siblings = ChildrenOf(parent);
-    siblings.insert(siblings.begin() + std::ptrdiff_t(row), handle);
-    At(handle).rowHint = static_cast<std::uint32_t>(row);
-    if (observer_) observer_->AfterInsert(handle);
+    PlaceAt(handle, parent, row);
     return true;
 }
 

@@ -137,6 +137,8 @@ private:
     const std::vector<TreeItem>* ChildrenOfConst(TreeItem parent) const;
     std::size_t InsertRow(const std::vector<TreeItem>& siblings, TreeItem after) const;
     TreeItem NewItem(TreeItem parent, std::u16string text, std::unique_ptr<TreeItemData> data);
+    // Puts an item into its parent's children at `row`, announced as an insertion.
+    void PlaceAt(TreeItem handle, TreeItem parent, std::size_t row);
     void Release(TreeItem item);
     void SetInTree(TreeItem top, bool inTree);
     bool IsInSubtree(TreeItem item, TreeItem ancestor) const;
