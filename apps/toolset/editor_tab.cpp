@@ -43,6 +43,7 @@ std::unique_ptr<EditorTab> EditorTab::Open(ts::PluginLoader& loader, ITsResource
         FAILED(tab->editor_->QueryInterface(ITsUIWindow::kIID, tab->window_.PutVoid())))
         return fail(ts::Format(u"The editor for %ls could not be made.", tab->resourceName_));
     tab->editor_->QueryInterface(ITsUICommandSource::kIID, tab->commands_.PutVoid());
+    tab->editor_->QueryInterface(ITsUndoRedo::kIID, tab->undo_.PutVoid());
 
     // The tab is the editor's frame: its window goes into the frame's layout.
     auto* layout = new QVBoxLayout(tab.get());
@@ -72,6 +73,7 @@ EditorTab::~EditorTab() {
 void EditorTab::CloseEditor() {
     if (window_) window_->CloseUIWindow();
     commands_.Reset();
+    undo_.Reset();
     window_.Reset();
     editor_.Reset();
     resource_.Reset();

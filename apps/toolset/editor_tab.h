@@ -12,6 +12,7 @@
 #include "ts/resourcemanager.h"
 #include "ts/uicommandsource.h"
 #include "ts/uiwindow.h"
+#include "ts/undoredo.h"
 
 namespace toolset {
 
@@ -42,6 +43,8 @@ public:
     // 0 for an unknown command.
     std::uint32_t CommandState(std::uint32_t id) const;
     HRESULT Execute(std::uint32_t id);
+    // The editor's undo stack; null when the editor offers none.
+    ITsUndoRedo* UndoRedo() const { return undo_.Get(); }
 
     // Saves through the editor (which asks the host to store its content).
     HRESULT Save();
@@ -55,6 +58,7 @@ private:
     CTsComPtr<ITsEditor> editor_;
     CTsComPtr<ITsUIWindow> window_;
     CTsComPtr<ITsUICommandSource> commands_;
+    CTsComPtr<ITsUndoRedo> undo_;
     CTsComPtr<ITsResource> resource_;
 };
 

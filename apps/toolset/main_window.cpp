@@ -10,6 +10,7 @@
 #include <QStandardPaths>
 #include <QTabWidget>
 #include <QTimer>
+#include <optional>
 
 #include "command_menus.h"
 #include "editor_tab.h"
@@ -24,6 +25,8 @@
 #include "ts/hostcomponents.h"
 #include "ts/hoststring.h"
 #include "ts/hostui.h"
+#include "undo_history.h"
+#include "undo_history_dock.h"
 
 namespace toolset {
 
@@ -51,6 +54,7 @@ MainWindow::MainWindow(bool keepLayout, QWidget* parent)
       palette_(new ResourcePalette(this)),
       log_(new LogDock(this)),
       errors_(new ErrorListDock(this)),
+      history_(new UndoHistoryDock(this)),
       commands_(new CommandMenus(*this, [this] { return ActiveEditor(); })),
       stateTimer_(new QTimer(this)) {
     setObjectName(QStringLiteral("MainWindow"));
@@ -63,7 +67,9 @@ MainWindow::MainWindow(bool keepLayout, QWidget* parent)
     addDockWidget(Qt::LeftDockWidgetArea, palette_);
     addDockWidget(Qt::BottomDockWidgetArea, log_);
     addDockWidget(Qt::BottomDockWidgetArea, errors_);
+    addDockWidget(Qt::BottomDockWidgetArea, history_);
     tabifyDockWidget(log_, errors_);
+    tabifyDockWidget(errors_, history_);
     log_->raise();
     BuildMenus();
 
@@ -72,6 +78,7 @@ MainWindow::MainWindow(bool keepLayout, QWidget* parent)
     connect(palette_, &ResourcePalette::openRequested, this,
             [this](const QString& name, const QString& type) { OpenResource(name, type); });
     connect(commands_, &CommandMenus::commandRun, this, &MainWindow::RefreshState);
+    connect(history_, &UndoHistoryDock::stepsRequested, this, &MainWindow::MoveInHistory);
 
     loader_.Scan(ts::DefaultPluginFolder());
     ts::SetEditorSaver([this](IUnknown* editor, std::uint32_t) { return SaveEditor(editor); });
@@ -115,20 +122,22 @@ void MainWindow::BuildMenus() {
     QAction* quit = file->addAction(tr("E&xit"), this, &QWidget::close);
     quit->setShortcut(QKeySequence::Quit);
 
-    // Undo and redo belong to the editors' undo stacks; they stay disabled until editors have
-    // one.
+    // Undo and redo run the active editor's undo stack; RefreshState names the command each
+    // would run and enables them.
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    undo_ = edit->addAction(tr("&Undo"));
-    undo_->setShortcut(QKeySequence::Undo);
+    undo_ = edit->addAction(tr("&Undo"), this, [this] { MoveInHistory(-1); });
+    undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
     undo_->setEnabled(false);
-    redo_ = edit->addAction(tr("&Redo"));
-    redo_->setShortcut(QKeySequence::Redo);
+    redo_ = edit->addAction(tr("&Redo"), this, [this] { MoveInHistory(1); });
+    redo_->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)});
     redo_->setEnabled(false);
 
     QMenu* view = menuBar()->addMenu(tr("&View"));
     view->addAction(palette_->toggleViewAction());
     view->addAction(log_->toggleViewAction());
     view->addAction(errors_->toggleViewAction());
+    view->addAction(history_->toggleViewAction());
 
     commands_->AddHostMenu(edit);
     commands_->AddHostMenu(view);
@@ -310,6 +319,20 @@ bool MainWindow::RunCommand(const QString& name) {
     return ran;
 }
 
+bool MainWindow::MoveInHistory(int steps) {
+    EditorTab* tab = ActiveEditor();
+    if (!tab || !tab->UndoRedo() || steps == 0) return false;
+    UndoWalk walk = WalkUndoHistory(*tab->UndoRedo(), steps);
+    RefreshState();
+    if (std::u16string failure = UndoFailureMessage(tab->ResourceName(), steps < 0, walk);
+        !failure.empty()) {
+        log_->AppendLine(ToQt(failure));
+        log_->show();
+        log_->raise();
+    }
+    return walk.result == S_OK;
+}
+
 void MainWindow::ActiveTabChanged() {
     commands_->Show(ActiveEditor());
     RefreshState();
@@ -328,6 +351,20 @@ void MainWindow::RefreshState() {
     save_->setEnabled(tab != nullptr);
     close_->setEnabled(tab != nullptr);
     commands_->RefreshStates();
+
+    std::optional<UndoHistory> history;
+    if (UndoHistory read; tab && tab->UndoRedo() && ReadUndoHistory(*tab->UndoRedo(), read))
+        history = std::move(read);
+    // Each names the command it would run.
+    const std::u16string* nextUndo =
+        history && !history->done.empty() ? &history->done.back() : nullptr;
+    const std::u16string* nextRedo =
+        history && !history->redoable.empty() ? &history->redoable.front() : nullptr;
+    undo_->setText(ToQt(UndoMenuText(tr("&Undo").toStdU16String(), nextUndo ? *nextUndo : u"")));
+    undo_->setEnabled(nextUndo != nullptr);
+    redo_->setText(ToQt(UndoMenuText(tr("&Redo").toStdU16String(), nextRedo ? *nextRedo : u"")));
+    redo_->setEnabled(nextRedo != nullptr);
+    history_->Show(history);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -20,11 +20,13 @@ class EditorTab;
 class ErrorListDock;
 class LogDock;
 class ResourcePalette;
+class UndoHistoryDock;
 
-// The toolset's main window: the resource palette, the editors in tabs, the log window and the
-// error list as docks, the File and Edit menus of the host, and the active editor's own menus
-// and command bars. It is also the host the plugins talk to: it loads them, offers the module's
-// resource manager ("ResMan"), stores what an editor saves, and shows the errors they send.
+// The toolset's main window: the resource palette, the editors in tabs, the log window, the
+// error list and the undo history as docks, the File and Edit menus of the host, and the active
+// editor's own menus and command bars. It is also the host the plugins talk to: it loads them,
+// offers the module's resource manager ("ResMan"), stores what an editor saves, and shows the
+// errors they send.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
@@ -53,13 +55,19 @@ public:
     ResourcePalette& Palette() const { return *palette_; }
     LogDock& Log() const { return *log_; }
     ErrorListDock& Errors() const { return *errors_; }
+    UndoHistoryDock& History() const { return *history_; }
     CommandMenus& Commands() const { return *commands_; }
     QAction* UndoAction() const { return undo_; }
     QAction* RedoAction() const { return redo_; }
     const QString& ModulePath() const { return modulePath_; }
 
-    // Refreshes the title ("orla_welcome.dlg* - Mistreach Toolset"), tab captions and command
-    // states after anything that may have changed them.
+    // Undoes (`steps` < 0) or redoes (> 0) that many commands of the active editor, then
+    // refreshes; a command that fails is reported in the log window. False when not every step
+    // ran.
+    bool MoveInHistory(int steps);
+
+    // Refreshes the title ("orla_welcome.dlg* - Mistreach Toolset"), tab captions, command
+    // states, Undo and Redo and the undo history after anything that may have changed them.
     void RefreshState();
 
 protected:
@@ -83,6 +91,7 @@ private:
     ResourcePalette* palette_;
     LogDock* log_;
     ErrorListDock* errors_;
+    UndoHistoryDock* history_;
     CommandMenus* commands_;
     QAction* save_ = nullptr;
     QAction* close_ = nullptr;

@@ -1,11 +1,15 @@
-// The plain parts of the desktop toolset: menu texts from command names, the command line, and
-// which resources the picker offers for a filter.
+// The plain parts of the desktop toolset: menu texts from command names, the command line,
+// which resources the picker offers for a filter, and the undo history as the host reads and
+// walks it.
 #include <gtest/gtest.h>
 
 #include "command_text.h"
 #include "qt_host_ui.h"
 #include "toolset_options.h"
+#include "ts/hoststring.h"
 #include "ts/text.h"
+#include "ts/undoredo.h"
+#include "undo_history.h"
 
 namespace {
 
@@ -38,9 +42,11 @@ TEST(ToolsetParts, TheCommandLineIsCheckedBeforeAnythingOpens) {
     EXPECT_EQ(options.screenshot, "s.png");
     EXPECT_TRUE(options.expandAll);
 
-    const std::vector<std::vector<const char*>> wrong = {
-        {"--module"}, {"--module", "--open", "a.dlg"}, {"--open", "a.dlg"}, {"--expand-all"},
-        {"extra"}};
+    const std::vector<std::vector<const char*>> wrong = {{"--module"},
+                                                         {"--module", "--open", "a.dlg"},
+                                                         {"--open", "a.dlg"},
+                                                         {"--expand-all"},
+                                                         {"extra"}};
     for (const auto& args : wrong) {
         toolset::ToolsetOptions o;
         error.clear();
@@ -63,6 +69,113 @@ TEST(ToolsetParts, ThePickerOffersTheFilterTypes) {
     EXPECT_EQ(toolset::ResourcesMatching(resources, u"").size(), 4u);
     EXPECT_EQ(toolset::ResourcesMatching(resources, u"*").size(), 4u);
     EXPECT_TRUE(toolset::ResourcesMatching(resources, u"stg").empty());
+}
+
+// An undo stack as an editor answers it, whose command `failOn` fails (the editor then
+// clears its history); `answer` E_NOTIMPL stands for an editor without a stack.
+class FakeUndoStack : public ITsUndoRedo {
+public:
+    std::vector<std::u16string> done, redoable;  // oldest first; next to redo first
+    std::u16string failOn;
+    HRESULT answer = S_OK;
+
+    HRESULT QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    std::uint32_t AddRef() override { return 1; }
+    std::uint32_t Release() override { return 1; }
+    HRESULT GetUndoCount(std::uint32_t* count) override {
+        *count = std::uint32_t(done.size());
+        return answer;
+    }
+    HRESULT GetRedoCount(std::uint32_t* count) override {
+        *count = std::uint32_t(redoable.size());
+        return answer;
+    }
+    HRESULT GetUndoLabel(std::uint32_t i, char16_t** label) override {
+        if (i >= done.size()) return E_INVALIDARG;
+        *label = TsAllocString(done[done.size() - 1 - i]);
+        return S_OK;
+    }
+    HRESULT GetRedoLabel(std::uint32_t i, char16_t** label) override {
+        if (i >= redoable.size()) return E_INVALIDARG;
+        *label = TsAllocString(redoable[i]);
+        return S_OK;
+    }
+    HRESULT Undo() override { return Move(done, redoable, false); }
+    HRESULT Redo() override { return Move(redoable, done, true); }
+    HRESULT IsModified(std::int32_t*) override { return E_NOTIMPL; }
+
+private:
+    HRESULT Move(std::vector<std::u16string>& from, std::vector<std::u16string>& to,
+                 bool fromFront) {
+        if (FAILED(answer)) return answer;
+        if (from.empty()) return S_FALSE;
+        std::u16string label = fromFront ? from.front() : from.back();
+        if (label == failOn) {
+            done.clear();
+            redoable.clear();
+            return E_FAIL;
+        }
+        if (fromFront) {
+            from.erase(from.begin());
+            to.push_back(label);
+        } else {
+            from.pop_back();
+            to.insert(to.begin(), label);
+        }
+        return S_OK;
+    }
+};
+
+TEST(ToolsetParts, TheUndoHistoryIsReadShownAndWalked) {
+    using toolset::UndoHistory;
+    using State = toolset::UndoHistoryRow::State;
+    FakeUndoStack stack;
+    stack.done = {u"Insert Line", u"Delete"};
+    stack.redoable = {u"Cut & Paste"};
+    UndoHistory history;
+    ASSERT_TRUE(toolset::ReadUndoHistory(stack, history));
+    EXPECT_EQ(history, (UndoHistory{{u"Insert Line", u"Delete"}, {u"Cut & Paste"}}));
+
+    // The start, the done commands with the last current, then the redoable ones.
+    EXPECT_EQ(toolset::UndoHistoryRows(history),
+              (std::vector<toolset::UndoHistoryRow>{{u"(start of history)", State::Done},
+                                                    {u"Insert Line", State::Done},
+                                                    {u"Delete", State::Current},
+                                                    {u"Cut & Paste", State::Redoable}}));
+    EXPECT_EQ(toolset::UndoHistoryRows({}).front().state, State::Current);
+    EXPECT_EQ(toolset::StepsToRow(history, 0), -2);
+    EXPECT_EQ(toolset::StepsToRow(history, 2), 0);
+    EXPECT_EQ(toolset::StepsToRow(history, 3), 1);
+    EXPECT_EQ(toolset::UndoMenuText(u"&Redo", history.redoable.front()), u"&Redo Cut && Paste");
+    EXPECT_EQ(toolset::UndoMenuText(u"&Undo", u""), u"&Undo");
+
+    // Walking stops where the stack runs out, and says nothing then.
+    toolset::UndoWalk walk = toolset::WalkUndoHistory(stack, 3);
+    EXPECT_EQ(walk.result, S_FALSE);
+    EXPECT_EQ(walk.stepsTaken, 1);
+    EXPECT_EQ(toolset::UndoFailureMessage(u"orla.dlg", false, walk), u"");
+    EXPECT_EQ(stack.done.size(), 3u);
+
+    // A command that fails stops the walk; the message names it and the history's loss.
+    stack.failOn = u"Insert Line";
+    walk = toolset::WalkUndoHistory(stack, -3);
+    EXPECT_EQ(walk.result, E_FAIL);
+    EXPECT_EQ(walk.stepsTaken, 2);
+    EXPECT_EQ(walk.failed, u"Insert Line");
+    std::u16string message = toolset::UndoFailureMessage(u"orla.dlg", true, walk);
+    EXPECT_EQ(message.rfind(u"Undo of \"Insert Line\" failed in orla.dlg.", 0), 0u)
+        << ts::Utf16ToUtf8(message);
+    EXPECT_NE(message.find(u"cleared its undo history"), std::u16string::npos);
+    ASSERT_TRUE(toolset::ReadUndoHistory(stack, history));
+    EXPECT_EQ(history, UndoHistory{});
+
+    // An editor without a stack has no history to show.
+    stack.answer = E_NOTIMPL;
+    EXPECT_FALSE(toolset::ReadUndoHistory(stack, history));
+    walk = toolset::WalkUndoHistory(stack, 1);
+    EXPECT_EQ(walk.result, E_NOTIMPL);
+    EXPECT_NE(toolset::UndoFailureMessage(u"orla.dlg", false, walk).find(u"could not be run"),
+              std::u16string::npos);
 }
 
 }  // namespace

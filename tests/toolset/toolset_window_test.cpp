@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QImage>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSplitter>
@@ -27,6 +28,7 @@
 #include "support/test_folders.h"
 #include "ts/resourcecodec.h"
 #include "ts/text.h"
+#include "undo_history_dock.h"
 
 namespace {
 
@@ -95,6 +97,15 @@ protected:
         for (int row = 0; row < model.rowCount(under); ++row)
             rows += AllRows(model, model.index(row, 0, under));
         return rows;
+    }
+    // Every item's text in pre-order: the tree's shape and contents in one comparable value.
+    static QStringList Texts(QAbstractItemModel& model, const QModelIndex& under = {}) {
+        QStringList texts;
+        for (int row = 0; row < model.rowCount(under); ++row) {
+            QModelIndex index = model.index(row, 0, under);
+            texts << index.data().toString() << Texts(model, index);
+        }
+        return texts;
     }
     bool Enabled(const char16_t* command) {
         window.RefreshState();
@@ -274,17 +285,108 @@ TEST_F(ToolsetWindow, ADamagedResourceIsReportedAndTheToolsetGoesOn) {
     EXPECT_EQ(ui.shown().size(), 2u);
 }
 
+TEST_F(ToolsetWindow, UndoAndRedoFollowTheEditorsHistoryAndItsSavePoint) {
+    ts::test::ScriptedUi ui;
+    ASSERT_TRUE(window.OpenModule(QString::fromStdString(CopyOfDemo("undo"))));
+    ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
+    QAction& undo = *window.UndoAction();
+    QAction& redo = *window.RedoAction();
+    EXPECT_EQ(undo.shortcuts(), QList<QKeySequence>{QKeySequence(QStringLiteral("Ctrl+Z"))});
+    EXPECT_EQ(redo.shortcuts(), (QList<QKeySequence>{QKeySequence(QStringLiteral("Ctrl+Shift+Z")),
+                                                     QKeySequence(QStringLiteral("Ctrl+Y"))}));
+    QListWidget& history = window.History().List();
+    auto rows = [&history] {
+        QStringList texts;
+        for (int i = 0; i < history.count(); ++i) texts << history.item(i)->text();
+        return texts;
+    };
+    auto expectState = [&](bool modified, int current, int redoable) {
+        EXPECT_EQ(window.windowTitle(),
+                  modified ? QStringLiteral("orla_welcome.dlg* - Mistreach Toolset")
+                           : QStringLiteral("orla_welcome.dlg - Mistreach Toolset"));
+        EXPECT_EQ(history.currentRow(), current);
+        const QColor grey = history.palette().color(QPalette::Disabled, QPalette::Text);
+        for (int i = 0; i < history.count(); ++i) {
+            EXPECT_EQ(history.item(i)->font().bold(), i == current) << "row " << i;
+            EXPECT_EQ(history.item(i)->foreground().color() == grey,
+                      i >= history.count() - redoable)
+                << "row " << i;
+        }
+    };
+    EXPECT_EQ(rows(), QStringList{"(start of history)"});
+    expectState(false, 0, 0);
+
+    // Two lines inserted under the first start: the tree grows, Undo names the command.
+    QTreeView& tree = Tree();
+    QAbstractItemModel& model = *tree.model();
+    const QStringList opened = Texts(model);
+    tree.setCurrentIndex(model.index(0, 0, model.index(0, 0)));
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.DialogEditor.Insert.Line")));
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.DialogEditor.Insert.Line")));
+    const QStringList inserted = Texts(model);
+    EXPECT_EQ(inserted.size(), opened.size() + 2);
+    EXPECT_TRUE(undo.isEnabled());
+    EXPECT_EQ(undo.text(), QStringLiteral("&Undo Insert Line"));
+    EXPECT_FALSE(redo.isEnabled());
+    EXPECT_EQ(redo.text(), QStringLiteral("&Redo"));
+    EXPECT_EQ(rows(), (QStringList{"(start of history)", "Insert Line", "Insert Line"}));
+    expectState(true, 2, 0);
+
+    // Undone twice, as the menu does: the tree as it was, and unmodified again.
+    undo.trigger();
+    undo.trigger();
+    EXPECT_EQ(Texts(model), opened);
+    EXPECT_FALSE(undo.isEnabled());
+    EXPECT_EQ(undo.text(), QStringLiteral("&Undo"));
+    EXPECT_TRUE(redo.isEnabled());
+    EXPECT_EQ(redo.text(), QStringLiteral("&Redo Insert Line"));
+    EXPECT_EQ(rows().size(), 3);
+    expectState(false, 0, 2);
+
+    redo.trigger();
+    EXPECT_EQ(Texts(model).size(), opened.size() + 1);
+    expectState(true, 1, 1);
+    // Choosing the last row in the history redoes up to it.
+    history.setCurrentRow(2);
+    EXPECT_EQ(Texts(model), inserted);
+    EXPECT_FALSE(redo.isEnabled());
+    expectState(true, 2, 0);
+
+    // Saving moves the save point: undoing from there is a change, coming back is not.
+    ASSERT_TRUE(window.SaveCurrent());
+    expectState(false, 2, 0);
+    undo.trigger();
+    expectState(true, 1, 1);
+    history.setCurrentRow(2);
+    expectState(false, 2, 0);
+    // The start row undoes everything; the document then differs from the saved one.
+    history.setCurrentRow(0);
+    EXPECT_EQ(Texts(model), opened);
+    expectState(true, 0, 2);
+    EXPECT_FALSE(window.Log().Text().contains(QStringLiteral("failed")));
+
+    // Closing asks about the undone changes; with no editor there is no history.
+    EXPECT_TRUE(ui.shown().empty());
+    ui.Answer(IDNO);
+    window.CloseCurrent();
+    EXPECT_EQ(ui.shown().size(), 1u);
+    EXPECT_EQ(rows(), QStringList{});
+    EXPECT_FALSE(history.isEnabled() || undo.isEnabled() || redo.isEnabled());
+}
+
 TEST(ToolsetLayout, TheWindowComesBackWhereTheUserLeftIt) {
     {
         toolset::MainWindow window(true);
         window.show();
         window.resize(900, 640);
         window.Log().hide();
+        window.History().setFloating(true);
         window.close();
     }
     toolset::MainWindow again(true);
     EXPECT_EQ(again.size(), QSize(900, 640));
     EXPECT_TRUE(again.Log().isHidden());
+    EXPECT_TRUE(again.History().isFloating());
 }
 
 }  // namespace
