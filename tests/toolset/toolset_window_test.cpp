@@ -331,6 +331,11 @@ TEST_F(ToolsetWindow, UndoAndRedoFollowTheEditorsHistoryAndItsSavePoint) {
     EXPECT_EQ(redo.text(), QStringLiteral("&Redo"));
     EXPECT_EQ(rows(), (QStringList{"(start of history)", "Insert Line", "Insert Line"}));
     expectState(true, 2, 0);
+    // The picture: the new lines selected in the tree, the history in its dock.
+    window.History().raise();
+    QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_undo_history.png");
+    QFile::remove(shot);
+    ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
 
     // Undone twice, as the menu does: the tree as it was, and unmodified again.
     undo.trigger();
