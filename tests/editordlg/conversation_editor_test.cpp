@@ -14,6 +14,7 @@
 #include "model/editor_commands.h"
 #include "support/conversation_builder.h"
 #include "support/fake_resource.h"
+#include "support/report_capture.h"
 #include "support/scripted_ui.h"
 #include "ts/environment.h"
 #include "ts/events.h"
@@ -118,6 +119,68 @@ TEST_F(ConversationEditor, LoadsShowsAndGivesTheConversationBack) {
     ASSERT_EQ(object_->Load(nullptr), S_OK);
     EXPECT_EQ(Text(1), u"[innkeeper] Well met, traveller.");
     EXPECT_TRUE(wnd_->IsModified());
+}
+
+// The host edits through the editor's commands and its undo stack; what it gets back is a copy
+// it may change at will, and a write-back that fails leaves everything as it was.
+TEST_F(ConversationEditor, TheHostUndoesEditsAndGetsACopyOfTheConversation) {
+    ASSERT_EQ(object_->Load(resource_.Get()), S_OK);
+    CTsComPtr<ITsUndoRedo> undo;
+    ASSERT_EQ(object_->QueryInterface(ITsUndoRedo::kIID, undo.PutVoid()), S_OK);
+    std::uint32_t count = 9;
+    ASSERT_EQ(undo->GetUndoCount(&count), S_OK);
+    EXPECT_EQ(count, 0u);
+
+    Items().Select(Item(1));
+    ASSERT_EQ(object_->ExecuteCommand(dlg::command_id::kInsertLine), S_OK);
+    EXPECT_TRUE(wnd_->IsModified());
+    EXPECT_EQ(wnd_->Caption(), u"inn_talk.dlg*");
+    CTsHostString label;
+    ASSERT_EQ(undo->GetUndoLabel(0, label.Put()), S_OK);
+    EXPECT_EQ(std::u16string(label.Get()), u"Insert Line");
+    const std::size_t grown = Items().Size();
+    ASSERT_EQ(undo->Undo(), S_OK);
+    EXPECT_EQ(Items().Size(), grown - 1);
+    EXPECT_FALSE(wnd_->IsModified()) << "back at the loaded state";
+    EXPECT_EQ(wnd_->Caption(), u"inn_talk.dlg");
+    ASSERT_EQ(undo->Redo(), S_OK);
+    EXPECT_EQ(undo->Redo(), S_FALSE);
+
+    // The copy: changing it changes nothing in the editor.
+    auto out = CTsComObject<FakeResource>::Create(u"copy.dlg");
+    ASSERT_EQ(object_->GetContent(out.Get()), S_OK);
+    CTsComPtr<ITsProperty> root;
+    ASSERT_EQ(out->GetRootProperty(root.Put()), S_OK);
+    CAgentConversation written;
+    written.Bind(root.Get());
+    CTsComPtr<ITsProperty> first;
+    ASSERT_TRUE(written.GetNPCLineListItem(0, first));
+    CAgentConversationLine line;
+    line.Bind(first.Get());
+    ASSERT_TRUE(line.SetText(u"Changed by the host"));
+    ASSERT_TRUE(written.SetDefaultNPCSpeaker(u"host"));
+    ASSERT_EQ(object_->Load(nullptr), S_OK);  // from the editor's own tree
+    EXPECT_EQ(Text(1), u"[innkeeper] Well met, traveller.");
+
+    // A write-back that fails (a line whose transitions cannot be read) leaves the host's object
+    // as it was, and the editor's tree too.
+    ASSERT_EQ(object_->GetContent(out.Get()), S_OK);
+    CTsComPtr<ITsProperty> kept;
+    ASSERT_EQ(out->GetRootProperty(kept.Put()), S_OK);
+    dlg::ConversationNode* node = Tree().NodeOf(Item(1));
+    CTsComPtr<ITsProperty> transitions;
+    ASSERT_TRUE(node->line.FindProperty(TsAddAtom(u"TransitionList"), 0, transitions));
+    ASSERT_EQ(node->line.GetNode()->RemoveChild(transitions.Get()), S_OK);
+    const std::u16string before = Text(1);
+    {
+        ts::test::ReportCapture reports;
+        EXPECT_EQ(object_->GetContent(out.Get()), E_FAIL);
+    }
+    CTsComPtr<ITsProperty> after;
+    ASSERT_EQ(out->GetRootProperty(after.Put()), S_OK);
+    EXPECT_EQ(after.Get(), kept.Get());
+    EXPECT_EQ(Text(1), before);
+    EXPECT_EQ(Items().Size(), grown);
 }
 
 TEST_F(ConversationEditor, DamagedConversationsFailTheLoadWithTheHostsErrorEvent) {

@@ -79,7 +79,6 @@ TreeItem ItemTree::NewItem(TreeItem parent, std::u16string text,
     item.text = std::move(text);
     item.data = std::move(data);
     item.alive = true;
-    ++live_;
     return handle;
 }
 
@@ -91,6 +90,7 @@ TreeItem ItemTree::InsertItem(TreeItem parent, TreeItem after, std::u16string te
 
     TreeItem handle = NewItem(parent, std::move(text), std::move(data));
     At(handle).inTree = true;
+    ++inTree_;
     PlaceAt(handle, parent, row);
     return handle;
 }
@@ -128,13 +128,16 @@ void ItemTree::Release(TreeItem top) {
         Item& item = At(handle);
         pending.insert(pending.end(), item.children.begin(), item.children.end());
         if (selected_ == handle) selected_ = kNoItem;
+        if (item.inTree) --inTree_;
         item = Item{};
-        --live_;
     }
 }
 
 void ItemTree::SetInTree(TreeItem top, bool inTree) {
-    for (TreeItem i = top; i != kNoItem; i = NextInSubtree(i, top)) At(i).inTree = inTree;
+    for (TreeItem i = top; i != kNoItem; i = NextInSubtree(i, top)) {
+        At(i).inTree = inTree;
+        inTree ? ++inTree_ : --inTree_;
+    }
 }
 
 bool ItemTree::DeleteItem(TreeItem handle) {
@@ -198,7 +201,7 @@ void ItemTree::DeleteAllItems() {
     base_ += static_cast<TreeItem>(items_.size());
     items_.clear();
     top_.clear();
-    live_ = 0;
+    inTree_ = 0;
     selected_ = kNoItem;
     if (observer_) {
         observer_->AfterReset();

@@ -102,7 +102,8 @@ public:
     TreeItem NextInPreOrder(TreeItem item) const;
     // Next item in pre-order that is still inside `top`'s subtree; kNoItem after its last.
     TreeItem NextInSubtree(TreeItem item, TreeItem top) const;
-    std::size_t Size() const { return live_; }
+    // Items in the tree (detached ones not counted).
+    std::size_t Size() const { return inTree_; }
     // Items of a subtree, the top included.
     std::size_t SubtreeSize(TreeItem top) const;
 
@@ -147,7 +148,7 @@ private:
     std::vector<Item> items_;  // slot = handle - base_ - 1; dead slots keep no text or data
     TreeItem base_ = 0;        // handles below this belong to trees cleared by DeleteAllItems
     std::vector<TreeItem> top_;
-    std::size_t live_ = 0;
+    std::size_t inTree_ = 0;
     TreeItem selected_ = kNoItem;
     bool redraw_ = true;
     int batch_ = 0;
