@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "core/window_interface.h"
+#include "edit_harness.h"
 #include "model/conversation_editor_wnd.h"
 #include "support/demo_module.h"
 #include "support/scripted_ui.h"
@@ -100,6 +101,24 @@ TEST_F(DemoConversations, EveryConversationShowsItsLabelsAndWritesBackAsItWasSto
         std::u16string difference;
         EXPECT_TRUE(ts::PropertyTreesEqual(keep.Get(), written.Get(), &difference))
             << Utf16ToUtf8(difference);
+    }
+}
+
+// Random edits with undo and redo on the demo's real conversations keep every tree sound, and
+// undoing them all gives back the conversation as stored.
+TEST_F(DemoConversations, RandomEditsUndoAndRedoOnEveryConversation) {
+    std::vector<ts::ResourceInfo> list;
+    ASSERT_EQ(manager_->ListResources(u"dlg", &list), S_OK);
+    for (const ts::ResourceInfo& info : list) {
+        SCOPED_TRACE(Utf16ToUtf8(info.name));
+        CTsComPtr<ITsResource> resource;
+        ASSERT_EQ(manager_->OpenResource(info.name, u"dlg", resource.Put()), S_OK);
+        CTsComPtr<ITsProperty> root;
+        ASSERT_EQ(resource->GetRootProperty(root.Put()), S_OK);
+        dlg::test::OpenConversation c(root.Get());
+        ASSERT_TRUE(c.loaded);
+        ASSERT_EQ(c.Broken(), "");
+        dlg::test::RandomEdits(c, 11, 60);
     }
 }
 

@@ -6,11 +6,15 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <string>
 
 #include "core/undo_support.h"
 #include "model/conversation_edits.h"
 #include "model/conversation_tree.h"
+#include "model/undo/undo_command_add_remove_nodes.h"
+#include "model/undo/undo_command_modify_node.h"
+#include "model/undo/undo_command_move_node.h"
 #include "ts/propertycompare.h"
 #include "ts/text.h"
 
@@ -105,5 +109,88 @@ public:
     CTsUndoSupportBase stack{kTsDefaultUndoDepth};
     bool loaded = false;
 };
+
+// A new line with `text` appended under `parent`, of the kind that fits there.
+inline std::unique_ptr<CUndoCommandAddRemoveNodes> Insertion(OpenConversation& c, TreeItem parent,
+                                                             std::u16string text) {
+    ConversationNode* p = c.tree.NodeOf(parent);
+    CAgentConversationLine line;
+    line.CreateOn(nullptr);
+    line.SetText(std::move(text));
+    auto command = std::make_unique<CUndoCommandAddRemoveNodes>(u"Insert Line", c.edits, true);
+    command->AddNode(CUndoCommandAddRemoveNodes::AppendTo(
+        c.edits, parent, c.edits.NewLine(!p || !p->isNPC, std::move(line))));
+    return command;
+}
+
+// Random insertions, removals (with the links into what goes), moves and text changes, undone
+// and redone at random; the tree stays sound at every step, undoing everything gives back the
+// conversation as loaded and redoing everything the last state.
+inline void RandomEdits(OpenConversation& c, std::uint32_t seed, int steps) {
+    std::mt19937 random(seed);
+    auto pick = [&](std::size_t n) {
+        return std::uniform_int_distribution<std::size_t>(0, n - 1)(random);
+    };
+    CTsComPtr<ITsProperty> original = c.Written();
+    ItemTree& items = c.tree.Items();
+    for (int step = 0; step < steps; ++step) {
+        std::vector<TreeItem> all;
+        for (TreeItem i = c.tree.RootItem(); i != kNoItem; i = items.NextInPreOrder(i))
+            all.push_back(i);
+        TreeItem item = all[pick(all.size())];
+        ConversationNode* node = c.tree.NodeOf(item);
+        std::unique_ptr<CTsUndoCommand> command;
+        switch (pick(6)) {
+            case 0:
+                if (!node || !node->isLink)
+                    command =
+                        Insertion(c, item, u"new " + std::u16string(1, char16_t(u'a' + step % 26)));
+                break;
+            case 1:
+                // The links from outside into the branch go with it, as Delete does.
+                if (node)
+                    command = CUndoCommandAddRemoveNodes::RemovalOf(u"Delete Line", c.edits, item);
+                break;
+            case 2: {
+                TreeItem parent = all[pick(all.size())];
+                bool inside = false;
+                for (TreeItem p = parent; p != kNoItem && !inside; p = items.GetParent(p))
+                    inside = p == item;
+                if (node && !inside && c.edits.FitsUnder(parent, *node))
+                    command = std::make_unique<CUndoCommandMoveNode>(
+                        u"Drag Node", c.edits,
+                        CUndoMoveTriple{c.edits.IndexOf(item), c.edits.IndexOf(parent),
+                                        std::int32_t(pick(items.ChildCount(parent) + 1))});
+                break;
+            }
+            case 3:
+                if (node)
+                    command = CUndoCommandModifyNode::ForField(
+                        u"Text Change", c.edits, item, u"Text",
+                        variant(11, std::u16string_view(u"edited")), kChangeText);
+                break;
+            case 4:
+                c.stack.Undo();
+                break;
+            case 5:
+                c.stack.Redo();
+                break;
+        }
+        if (command) {
+            ASSERT_TRUE(c.stack.AddCommand(std::move(command), true)) << "step " << step;
+        }
+        ASSERT_EQ(c.Broken(), "") << "step " << step;
+    }
+    while (c.stack.RedoCount() > 0) ASSERT_TRUE(c.stack.Redo());
+    CTsComPtr<ITsProperty> last = c.Written();
+    while (c.stack.UndoCount() > 0) ASSERT_TRUE(c.stack.Undo());
+    if (c.stack.SavedPosition() == 0) {
+        std::u16string difference;
+        EXPECT_TRUE(ts::PropertyTreesEqual(original.Get(), c.Written().Get(), &difference))
+            << ts::Utf16ToUtf8(difference);
+    }
+    while (c.stack.RedoCount() > 0) ASSERT_TRUE(c.stack.Redo());
+    EXPECT_TRUE(ts::PropertyTreesEqual(last.Get(), c.Written().Get()));
+}
 
 }  // namespace dlg::test
