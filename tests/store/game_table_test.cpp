@@ -117,8 +117,18 @@ TEST(GameTable, MalformedFilesAreRefusedWithTheLine) {
         EXPECT_EQ(error.substr(0, std::u16string_view(c.error).size()), c.error)
             << c.csv << "\n  gave: " << U8(error);
     }
+    // A wide header is checked by name, not position: the twin of the first column, in another
+    // case, is found at the end of 20,000 columns.
+    std::string wide = "ID";
+    for (int c = 1; c < 20000; ++c) wide += ",C" + std::to_string(c);
     ts::GameTable table;
     std::u16string error;
+    ASSERT_TRUE(ts::GameTable::FromCsv(u"wide", wide + "\n1" + std::string(19999, ',') + "\n",
+                                       table, &error))
+        << U8(error);
+    EXPECT_EQ(table.ColumnCount(), 20000u);
+    EXPECT_FALSE(ts::GameTable::FromCsv(u"wide", wide + ",c1\n", table, &error));
+    EXPECT_EQ(error, u"line 1: the column \"c1\" is named twice");
     EXPECT_FALSE(ts::GameTable::FromCsv(u"bad name", "ID\n", table, &error));
     EXPECT_NE(error.find(u"is not a valid table name"), std::u16string::npos);
 }

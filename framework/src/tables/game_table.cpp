@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "ts/format.h"
 #include "ts/text.h"
@@ -132,6 +133,12 @@ private:
     std::size_t line_ = 1;
 };
 
+std::u16string AsciiLower(std::u16string text) {
+    for (char16_t& c : text)
+        if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
+    return text;
+}
+
 bool IsValidUtf8(std::string_view s) {
     return Utf16ToUtf8(Utf8ToUtf16(s)) == s;
 }
@@ -161,6 +168,8 @@ bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTab
 
     GameTable table;
     table.name_ = name;
+    // Names compare without regard to ASCII case; a set keeps the check linear in the header.
+    std::unordered_set<std::u16string> names;
     for (const auto& header : records.front().cells) {
         if (!IsValidUtf8(header))
             return Fail(error,
@@ -169,10 +178,9 @@ bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTab
         if (column.empty())
             return Fail(error, Format(u"line %lu: column %lu of the header has no name",
                                       records.front().line, table.columns_.size() + 1));
-        for (const auto& other : table.columns_)
-            if (EqualsIgnoreAsciiCase(other, column))
-                return Fail(error, Format(u"line %lu: the column \"%ls\" is named twice",
-                                          records.front().line, column));
+        if (!names.insert(AsciiLower(column)).second)
+            return Fail(error, Format(u"line %lu: the column \"%ls\" is named twice",
+                                      records.front().line, column));
         table.columns_.push_back(std::move(column));
     }
 
