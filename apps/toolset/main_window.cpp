@@ -221,7 +221,8 @@ bool MainWindow::OpenResource(const QString& name, const QString& type) {
     }
     std::u16string error;
     std::unique_ptr<EditorTab> tab = EditorTab::Open(
-        loader_, *resources_, pattern, name.toStdU16String(), type.toStdU16String(), error);
+        loader_, *resources_, pattern, name.toStdU16String(), type.toStdU16String(),
+        store_ && store_->ReadOnly(), error);
     if (!tab) {
         if (!error.empty()) Tell(error);
         return false;

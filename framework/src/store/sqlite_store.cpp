@@ -1,4 +1,5 @@
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <system_error>
@@ -91,10 +92,12 @@ StoreResult Problem(StoreStatus status, std::u16string message) {
 
 class SqliteStore final : public ResourceStore {
 public:
-    SqliteStore(sqlite3* db, std::string path) : db_(db), path_(std::move(path)) {}
+    SqliteStore(sqlite3* db, std::string path, bool readOnly)
+        : db_(db), path_(std::move(path)), readOnly_(readOnly) {}
     ~SqliteStore() override { sqlite3_close_v2(db_); }
 
     std::u16string Location() const override { return Utf8ToUtf16(path_); }
+    bool ReadOnly() const override { return readOnly_; }
 
     StoreResult Open(const SqliteStoreOptions& options) {
         sqlite3_extended_result_codes(db_, 1);
@@ -117,7 +120,7 @@ public:
             if ((rc & 0xFF) == SQLITE_NOTADB || (rc == SQLITE_OK && id != kApplicationId))
                 return Problem(StoreStatus::Damaged,
                                Format(u"\"%s\" is not a toolset module", path_));
-            if (rc != SQLITE_OK) return OpenFailure(rc, u"open");
+            if (rc != SQLITE_OK) return OpenFailure(rc, options.readOnly ? u"read" : u"open");
             if (version > kSchemaVersion)
                 return Problem(
                     StoreStatus::Failed,
@@ -675,7 +678,62 @@ private:
 
     sqlite3* db_;
     std::string path_;
+    bool readOnly_;
 };
+
+// Whether the module file and its folder (where its log files go) may be written.
+bool CanWriteBeside(const std::string& path) {
+    std::error_code ec;
+    std::filesystem::path folder = std::filesystem::absolute(path, ec).parent_path();
+    return (!std::filesystem::exists(path, ec) || ::access(path.c_str(), W_OK) == 0) &&
+           ::access(folder.c_str(), W_OK) == 0;
+}
+
+// "file:" URI of a path, for SQLite's URI parameters: absolute, and with the characters that end
+// or escape a URI's path percent-encoded.
+std::string FileUri(const std::string& path) {
+    std::error_code ec;
+    std::string absolute = std::filesystem::absolute(path, ec).string();
+    if (ec) absolute = path;
+    std::string uri = "file:";
+    for (char c : absolute) {
+        if (c == '%' || c == '?' || c == '#') {
+            uri += '%';
+            uri += "0123456789ABCDEF"[(static_cast<unsigned char>(c) >> 4) & 0xF];
+            uri += "0123456789ABCDEF"[static_cast<unsigned char>(c) & 0xF];
+        } else {
+            uri += c;
+        }
+    }
+    return uri;
+}
+
+// Opens one connection to the module and checks it is one. `immutable` reads the module file
+// as a file that nothing changes, without locks or the shared-memory file.
+std::unique_ptr<SqliteStore> Connect(const std::string& path, const SqliteStoreOptions& options,
+                                     bool immutable, StoreResult& result) {
+    int flags = options.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    if (options.create) flags |= SQLITE_OPEN_CREATE;
+    std::string name = path;
+    if (immutable) {
+        flags |= SQLITE_OPEN_URI;
+        name = FileUri(path) + "?immutable=1";
+    }
+    sqlite3* db = nullptr;
+    int rc = sqlite3_open_v2(name.c_str(), &db, flags,
+                             options.vfs.empty() ? nullptr : options.vfs.c_str());
+    if (rc != SQLITE_OK) {
+        std::u16string reason = Reason(db, rc);
+        sqlite3_close_v2(db);
+        result = {StatusOf(rc), Format(u"Could not %ls the module \"%s\": %ls",
+                                       options.readOnly ? u"read" : u"open", path, reason)};
+        return nullptr;
+    }
+    auto store = std::make_unique<SqliteStore>(db, path, options.readOnly);
+    result = store->Open(options);
+    if (!result) return nullptr;
+    return store;
+}
 
 }  // namespace
 
@@ -714,20 +772,29 @@ std::unique_ptr<ResourceStore> OpenSqliteStore(const std::string& path,
         return fail(StoreStatus::InvalidArgument,
                     Format(u"\"%s\" is a folder, not a module file", path));
 
-    int flags = options.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
-    if (options.create) flags |= SQLITE_OPEN_CREATE;
-    sqlite3* db = nullptr;
-    int rc = sqlite3_open_v2(path.c_str(), &db, flags,
-                             options.vfs.empty() ? nullptr : options.vfs.c_str());
-    if (rc != SQLITE_OK) {
-        std::u16string reason = Reason(db, rc);
-        sqlite3_close_v2(db);
-        return fail(StatusOf(rc), Format(u"Could not open the module \"%s\": %ls", path, reason));
+    StoreResult opened;
+    auto store = Connect(path, options, false, opened);
+    // A module in write-ahead-log mode is read through a shared-memory file beside it, which a
+    // read-only folder or mount cannot hold. While its log is empty the module file alone holds
+    // every change, and it is read as a file that nothing changes.
+    if (!store && options.readOnly && opened.status == StoreStatus::Failed) {
+        std::uintmax_t log = std::filesystem::file_size(path + "-wal", ec);
+        if (ec || log == 0)
+            store = Connect(path, options, true, opened);
+        else
+            opened.message = Format(
+                u"Could not read the module \"%s\": its log file holds changes that can only be "
+                u"read where the module's folder can be written; open the module once there to "
+                u"fold them in",
+                path);
     }
-    auto store = std::make_unique<SqliteStore>(db, path);
-    StoreResult opened = store->Open(options);
-    if (!opened) {
-        store.reset();
+    if (!store && !options.readOnly && opened.status == StoreStatus::Failed &&
+        !CanWriteBeside(path))
+        opened.message = Format(
+            u"Could not open the module \"%s\" for changes: the module file or its folder is "
+            u"read-only",
+            path);
+    if (!store) {
         if (options.create) {  // no half-made module left behind
             for (const char* suffix : {"", "-wal", "-shm"})
                 std::filesystem::remove(path + suffix, ec);
