@@ -2,6 +2,7 @@
 #include "editor_check.h"
 #include "ts/format.h"
 #include "ts/modulebuilder.h"
+#include "ts/text.h"
 
 namespace cli {
 
@@ -21,13 +22,16 @@ int Check(const Arguments& args) {
         std::u16string problem;
         if (!r.sound) {
             ++damaged;
-            Print(ts::Format(u"damaged  %ls.%ls: %ls", r.info.name, r.info.type, r.problem));
-        } else if (tryEditors && !editors.Open(r.info.name, r.info.type, problem)) {
+            Print(ts::Format(u"damaged  %ls.%ls: %ls", ts::MessageText(r.info.name),
+                             ts::MessageText(r.info.type), r.problem));
+        } else if (tryEditors && !editors.Open(ts::MessageText(r.info.name),
+                                               ts::MessageText(r.info.type), problem)) {
             ++refused;
             Print(ts::Format(u"refused  %ls.%ls: its editor cannot open it: %ls", r.info.name,
                              r.info.type, problem));
         } else {
-            Print(ts::Format(u"ok       %ls.%ls (%u nodes)", r.info.name, r.info.type, r.nodes));
+            Print(ts::Format(u"ok       %ls.%ls (%u nodes)", ts::MessageText(r.info.name),
+                             ts::MessageText(r.info.type), r.nodes));
         }
     }
     for (const auto& p : check.tableProblems) Print(u"damaged: " + p);

@@ -24,8 +24,9 @@ int List(const Arguments& args) {
         if (!info.checkedOutBy.empty())
             state += ts::Format(u"  checked out by %ls", info.checkedOutBy);
         if (info.locked) state += u"  locked";
-        Print(ts::Format(u"%ls.%ls  version %d  %ld bytes%ls", info.name, info.type, info.version,
-                         static_cast<long>(info.size), state));
+        Print(ts::Format(u"%ls.%ls  version %d  %ld bytes%ls", ts::MessageText(info.name),
+                         ts::MessageText(info.type), info.version, static_cast<long>(info.size),
+                         state));
     }
     return kOk;
 }
@@ -35,8 +36,8 @@ int Export(const Arguments& args) {
     std::u16string name, type;
     if (!SplitResourceName(args.words[1], name, type))
         return Fail(
-            ts::Format(u"\"%s\" does not name a resource as NAME.TYPE (for example tavern.dlg)",
-                       args.words[1]),
+            ts::Format(u"\"%ls\" does not name a resource as NAME.TYPE (for example tavern.dlg)",
+                       ts::MessageText(args.words[1])),
             kUsage);
     // Checked before anything is read, so that a refused export has done nothing at all.
     bool toFile = args.words.size() == 3 && args.words[2] != "-";

@@ -3,6 +3,7 @@
 #include <unordered_set>
 
 #include "ts/format.h"
+#include "ts/text.h"
 
 namespace ts::json {
 
@@ -322,8 +323,10 @@ private:
                 key.at = static_cast<std::uint32_t>(p_);
                 if (!ParseString(key)) return false;
                 if (!keys.Add(key, scratch_, first))
-                    return FailAt(key.at, Format(u"the key \"%ls\" appears twice in this object",
-                                                 std::u16string_view(pool_).substr(key.a, key.b)));
+                    return FailAt(
+                        key.at,
+                        Format(u"the key \"%ls\" appears twice in this object",
+                               MessageText(std::u16string_view(pool_).substr(key.a, key.b))));
                 SkipSpace();
                 if (p_ >= s_.size() || s_[p_] != ':') return Fail(u"expected ':' after a key");
                 ++p_;

@@ -1,12 +1,14 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 
 #include "store/sqlite_statement.h"
 #include "ts/format.h"
 #include "ts/resourcestore.h"
+#include "ts/text.h"
 
 namespace ts {
 
@@ -66,6 +68,10 @@ std::u16string Reason(sqlite3* db, int rc) {
         case SQLITE_CANTOPEN:
             return u"the module file cannot be opened";
         case SQLITE_IOERR:
+            // Running out of room while growing the log or its shared-memory file comes back as
+            // an I/O error; the system's own code tells the two apart.
+            if (db && (sqlite3_system_errno(db) == ENOSPC || sqlite3_system_errno(db) == EDQUOT))
+                return u"the disk is full";
             return Format(u"the module file could not be read or written (%s)",
                           db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
         default:
@@ -194,9 +200,10 @@ public:
         if (rc == SQLITE_CONSTRAINT_UNIQUE)
             return Problem(StoreStatus::AlreadyExists,
                            Format(u"A resource \"%ls\" of type \"%ls\" already exists in \"%s\"",
-                                  name, type, path_));
+                                  MessageText(name), MessageText(type), path_));
         if (rc != SQLITE_OK)
-            return Failure(rc, Format(u"Could not create the resource \"%ls\" (%ls)", name, type));
+            return Failure(rc, Format(u"Could not create the resource \"%ls\" (%ls)",
+                                      MessageText(name), MessageText(type)));
         return StoreResult::Success();
     }
 
@@ -209,7 +216,8 @@ public:
         int rc = q.Bind(1, type).Bind(2, name).Step();
         if (rc == SQLITE_DONE) return NoSuchResource(name, type);
         if (rc != SQLITE_ROW)
-            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
+            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)",
+                                      MessageText(name), MessageText(type)));
         q.Blob(0, content);
         if (info) ReadInfo(q, 1, *info);
         return StoreResult::Success();
@@ -218,7 +226,8 @@ public:
     StoreResult SaveResource(std::u16string_view name, std::u16string_view type,
                              std::span<const std::uint8_t> content, std::int32_t expectedVersion,
                              std::u16string_view user) override {
-        std::u16string what = Format(u"Could not save the resource \"%ls\" (%ls)", name, type);
+        std::u16string what = Format(u"Could not save the resource \"%ls\" (%ls)",
+                                     MessageText(name), MessageText(type));
         return InTransaction(what, [&]() -> StoreResult {
             ResourceInfo info;
             std::int64_t id;
@@ -229,7 +238,8 @@ public:
                                       u"opened it (it is now at "
                                       u"version %d, yours is version %d); your changes were not "
                                       u"saved over theirs",
-                                      name, type, info.modifiedBy, info.version, expectedVersion));
+                                      MessageText(name), MessageText(type), info.modifiedBy,
+                                      info.version, expectedVersion));
             Statement q(db_,
                         "UPDATE resources SET content = ?, version = version + 1, modified_on = ?, "
                         "modified_by = ? "
@@ -244,7 +254,8 @@ public:
 
     StoreResult DeleteResource(std::u16string_view name, std::u16string_view type,
                                std::u16string_view user) override {
-        std::u16string what = Format(u"Could not delete the resource \"%ls\" (%ls)", name, type);
+        std::u16string what = Format(u"Could not delete the resource \"%ls\" (%ls)",
+                                     MessageText(name), MessageText(type));
         return InTransaction(what, [&]() -> StoreResult {
             ResourceInfo info;
             std::int64_t id;
@@ -265,7 +276,8 @@ public:
         int rc = q.Bind(1, type).Bind(2, name).Step();
         if (rc == SQLITE_DONE) return NoSuchResource(name, type);
         if (rc != SQLITE_ROW)
-            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
+            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)",
+                                      MessageText(name), MessageText(type)));
         ReadInfo(q, 0, info);
         return StoreResult::Success();
     }
@@ -286,7 +298,8 @@ public:
 
     StoreResult CheckOut(std::u16string_view name, std::u16string_view type,
                          std::u16string_view user) override {
-        std::u16string what = Format(u"Could not check out the resource \"%ls\" (%ls)", name, type);
+        std::u16string what = Format(u"Could not check out the resource \"%ls\" (%ls)",
+                                     MessageText(name), MessageText(type));
         if (user.empty())
             return Problem(StoreStatus::InvalidArgument, what + u": no user name was given");
         return InTransaction(what, [&]() -> StoreResult {
@@ -302,7 +315,8 @@ public:
 
     StoreResult CheckIn(std::u16string_view name, std::u16string_view type,
                         std::u16string_view user) override {
-        std::u16string what = Format(u"Could not check in the resource \"%ls\" (%ls)", name, type);
+        std::u16string what = Format(u"Could not check in the resource \"%ls\" (%ls)",
+                                     MessageText(name), MessageText(type));
         return InTransaction(what, [&]() -> StoreResult {
             ResourceInfo info;
             if (auto r = GetResourceInfo(name, type, info); !r) return r;
@@ -324,7 +338,8 @@ public:
         Statement q(db_, "UPDATE resources SET locked = ? WHERE type = ? AND name = ?");
         int rc = q.Bind(1, locked ? 1 : 0).Bind(2, type).Bind(3, name).Run();
         if (rc != SQLITE_OK)
-            return Failure(rc, Format(u"Could not lock the resource \"%ls\" (%ls)", name, type));
+            return Failure(rc, Format(u"Could not lock the resource \"%ls\" (%ls)",
+                                      MessageText(name), MessageText(type)));
         if (sqlite3_changes(db_) == 0) return NoSuchResource(name, type);
         return StoreResult::Success();
     }
@@ -473,7 +488,8 @@ public:
     }
 
     StoreResult ImportTable(const GameTable& table) override {
-        std::u16string what = Format(u"Could not import the table \"%ls\"", table.Name());
+        std::u16string what =
+            Format(u"Could not import the table \"%ls\"", MessageText(table.Name()));
         if (!IsValidTableName(table.Name()))
             return Problem(StoreStatus::InvalidArgument, what + u": the name is not valid");
         return InTransaction(what, [&]() -> StoreResult {
@@ -495,9 +511,10 @@ public:
         Statement q(db_, "SELECT name, content FROM game_tables WHERE name = ?");
         int rc = q.Bind(1, name).Step();
         if (rc == SQLITE_DONE)
-            return Problem(StoreStatus::NotFound,
-                           Format(u"The module \"%s\" has no table \"%ls\"", path_, name));
-        if (rc != SQLITE_ROW) return Failure(rc, Format(u"Could not read the table \"%ls\"", name));
+            return Problem(StoreStatus::NotFound, Format(u"The module \"%s\" has no table \"%ls\"",
+                                                         path_, MessageText(name)));
+        if (rc != SQLITE_ROW)
+            return Failure(rc, Format(u"Could not read the table \"%ls\"", MessageText(name)));
         std::u16string error;
         if (!GameTable::FromCsv(q.Text(0), q.Utf8(1), table, &error))
             return Problem(
@@ -589,9 +606,9 @@ private:
     }
 
     StoreResult NoSuchResource(std::u16string_view name, std::u16string_view type) {
-        return Problem(
-            StoreStatus::NotFound,
-            Format(u"There is no resource \"%ls\" of type \"%ls\" in \"%s\"", name, type, path_));
+        return Problem(StoreStatus::NotFound,
+                       Format(u"There is no resource \"%ls\" of type \"%ls\" in \"%s\"",
+                              MessageText(name), MessageText(type), path_));
     }
 
     StoreResult CheckKey(std::u16string_view name, std::u16string_view type) {
@@ -600,11 +617,12 @@ private:
                            Format(u"\"%ls\" is not a valid resource name (1 to 128 characters, "
                                   u"none of / \\ : * ? \" < > | "
                                   u"and no control characters)",
-                                  name));
+                                  MessageText(name)));
         if (!IsValidResourceType(type))
             return Problem(
                 StoreStatus::InvalidArgument,
-                Format(u"\"%ls\" is not a valid resource type (1 to 16 letters and digits)", type));
+                Format(u"\"%ls\" is not a valid resource type (1 to 16 letters and digits)",
+                       MessageText(type)));
         return StoreResult::Success();
     }
 
@@ -629,7 +647,8 @@ private:
         int rc = q.Bind(1, type).Bind(2, name).Step();
         if (rc == SQLITE_DONE) return NoSuchResource(name, type);
         if (rc != SQLITE_ROW)
-            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
+            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)",
+                                      MessageText(name), MessageText(type)));
         id = q.Int(0);
         ReadInfo(q, 1, info);
         if (info.locked)

@@ -133,12 +133,6 @@ private:
     std::size_t line_ = 1;
 };
 
-std::u16string AsciiLower(std::u16string text) {
-    for (char16_t& c : text)
-        if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
-    return text;
-}
-
 bool IsValidUtf8(std::string_view s) {
     return Utf16ToUtf8(Utf8ToUtf16(s)) == s;
 }
@@ -160,7 +154,7 @@ bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTab
         return Fail(
             error,
             Format(u"\"%ls\" is not a valid table name (1 to 64 letters, digits, \"_\" or \"-\")",
-                   name));
+                   MessageText(name)));
     std::vector<Record> records;
     if (!CsvReader(utf8).Records(records, error)) return false;
     if (records.empty())
@@ -178,9 +172,17 @@ bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTab
         if (column.empty())
             return Fail(error, Format(u"line %lu: column %lu of the header has no name",
                                       records.front().line, table.columns_.size() + 1));
+        // A second byte-order mark (a file saved twice with one) or one pasted into a name would
+        // be an invisible part of the column's name, which no lookup would ever match.
+        if (column.find(u'\uFEFF') != std::u16string::npos)
+            return Fail(
+                error,
+                Format(u"line %lu: the name of column %lu (\"%ls\") holds a "
+                       u"byte-order mark (U+FEFF), an invisible character; remove it",
+                       records.front().line, table.columns_.size() + 1, MessageText(column)));
         if (!names.insert(AsciiLower(column)).second)
             return Fail(error, Format(u"line %lu: the column \"%ls\" is named twice",
-                                      records.front().line, column));
+                                      records.front().line, MessageText(column)));
         table.columns_.push_back(std::move(column));
     }
 
@@ -200,7 +202,7 @@ bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTab
         const std::u16string& idText = table.cells_[table.cells_.size() - width];
         if (!ParseInt(idText, id))
             return Fail(error, Format(u"line %lu: the row id \"%ls\" is not a whole number",
-                                      record.line, idText));
+                                      record.line, MessageText(idText)));
         auto [it, added] = firstLine.emplace(id, record.line);
         if (!added)
             return Fail(error, Format(u"line %lu: the row id %d is used twice (first on line %lu)",
@@ -253,7 +255,8 @@ bool GameTable::FindColumn(std::u16string_view name, std::size_t& column,
             column = c;
             return true;
         }
-    return Fail(error, Format(u"The table \"%ls\" has no column \"%ls\"", name_, name));
+    return Fail(error,
+                Format(u"The table \"%ls\" has no column \"%ls\"", name_, MessageText(name)));
 }
 
 bool GameTable::FindRow(std::int32_t id, std::size_t& row, std::u16string* error) const {
