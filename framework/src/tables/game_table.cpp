@@ -133,8 +133,13 @@ private:
     std::size_t line_ = 1;
 };
 
-bool IsValidUtf8(std::string_view s) {
-    return Utf16ToUtf8(Utf8ToUtf16(s)) == s;
+// Converts a cell, false when it is not valid UTF-8. Malformed bytes come out as U+FFFD, so text
+// without U+FFFD or surrogates was valid; only the rest is checked by converting it back.
+bool ToUtf16(std::string_view s, std::u16string& out) {
+    out = Utf8ToUtf16(s);
+    for (char16_t c : out)
+        if (c == 0xFFFD || (c >= 0xD800 && c <= 0xDFFF)) return Utf16ToUtf8(out) == s;
+    return true;
 }
 
 }  // namespace
@@ -164,11 +169,13 @@ bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTab
     table.name_ = name;
     // Names compare without regard to ASCII case; a set keeps the check linear in the header.
     std::unordered_set<std::u16string> names;
+    names.reserve(records.front().cells.size());
+    table.columns_.reserve(records.front().cells.size());
     for (const auto& header : records.front().cells) {
-        if (!IsValidUtf8(header))
+        std::u16string column;
+        if (!ToUtf16(header, column))
             return Fail(error,
                         Format(u"line %lu: the text is not valid UTF-8", records.front().line));
-        std::u16string column = Utf8ToUtf16(header);
         if (column.empty())
             return Fail(error, Format(u"line %lu: column %lu of the header has no name",
                                       records.front().line, table.columns_.size() + 1));
@@ -194,9 +201,8 @@ bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTab
             return Fail(error, Format(u"line %lu has %lu cells but the header names %lu columns",
                                       record.line, record.cells.size(), width));
         for (const auto& cell : record.cells) {
-            if (!IsValidUtf8(cell))
+            if (!ToUtf16(cell, table.cells_.emplace_back()))
                 return Fail(error, Format(u"line %lu: the text is not valid UTF-8", record.line));
-            table.cells_.push_back(Utf8ToUtf16(cell));
         }
         std::int32_t id;
         const std::u16string& idText = table.cells_[table.cells_.size() - width];
