@@ -77,6 +77,24 @@ bool WriteWholeFile(const std::string& target, std::string_view bytes, std::u16s
         error = ts::Format(u"\"%s\" could not be written: %ls", target, SystemReason(code));
         return false;
     };
+    auto writeAll = [&](int fd) {
+        for (std::size_t done = 0; done < bytes.size();) {
+            ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+            if (n < 0 && errno == EINTR) continue;
+            if (n <= 0) return n < 0 ? errno : EIO;
+            done += static_cast<std::size_t>(n);
+        }
+        return 0;
+    };
+    // A device or pipe (/dev/null, a named pipe) is written to as it is: it cannot be replaced.
+    struct stat st {};
+    if (::stat(target.c_str(), &st) == 0 && !S_ISREG(st.st_mode) && !S_ISDIR(st.st_mode)) {
+        int fd = ::open(target.c_str(), O_WRONLY | O_CLOEXEC);
+        if (fd < 0) return fail(errno, {});
+        int code = writeAll(fd);
+        if (::close(fd) != 0 && code == 0) code = errno;
+        return code == 0 || fail(code, {});
+    }
     // A name no other program uses, in the target's folder so that the rename stays on one disk.
     std::string partial;
     int fd = -1;
@@ -86,15 +104,9 @@ bool WriteWholeFile(const std::string& target, std::string_view bytes, std::u16s
         fd = ::open(partial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (fd < 0 && (errno != EEXIST || attempt >= 100)) return fail(errno, {});
     }
-    for (std::size_t done = 0; done < bytes.size();) {
-        ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) {
-            int code = n < 0 ? errno : EIO;
-            ::close(fd);
-            return fail(code, partial);
-        }
-        done += static_cast<std::size_t>(n);
+    if (int code = writeAll(fd); code != 0) {
+        ::close(fd);
+        return fail(code, partial);
     }
     if (::fsync(fd) != 0) {
         int code = errno;

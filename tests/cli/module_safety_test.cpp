@@ -51,6 +51,7 @@ TEST_F(ModuleSafety, AnExportNeverReplacesAModule) {
         {other, "is a toolset module; an export does not write over a module"},
         {folder + "/sub", "could not be written: Is a directory"},
         {folder + "/missing/out.json", "could not be written: No such file or directory"},
+        {"/dev/full", "could not be written: No space left on device"},
     };
     for (const auto& c : cases) {
         auto run = RunToolsetCli({"export", demo, "orla_welcome.dlg", c.target});
@@ -65,7 +66,8 @@ TEST_F(ModuleSafety, AnExportNeverReplacesAModule) {
     for (const auto& entry : fs::directory_iterator(folder))
         EXPECT_FALSE(Contains(entry.path().string(), ".partial")) << entry.path();
 
-    // An ordinary file is replaced whole.
+    // A device is written to as it is; an ordinary file is replaced whole.
+    EXPECT_EQ(RunToolsetCli({"export", demo, "orla_welcome.dlg", "/dev/null"}).exitCode, 0);
     std::string json = folder + "/orla.json";
     ASSERT_EQ(RunToolsetCli({"export", demo, "orla_welcome.dlg", json}).exitCode, 0);
     EXPECT_TRUE(Contains(ReadWholeFile(json), "\"orla_welcome\""));
