@@ -1,11 +1,11 @@
 // A module on a read-only disk or in a read-only folder is still read whole, and every change
 // to it is refused with a message that says the module is read-only.
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <filesystem>
 #include <fstream>
 
+#include "support/read_only_place.h"
 #include "support/test_folders.h"
 #include "ts/resourcestore.h"
 #include "ts/text.h"
@@ -14,54 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// An SQLite file-system layer named "readonlyplace" that behaves as a read-only mount: files
-// open for reading only, none can be made or deleted, and no shared-memory file can be made.
-sqlite3_vfs* gDefault = nullptr;
-sqlite3_vfs gReadOnly;
-struct Methods {
-    sqlite3_io_methods readOnly;  // first, so a file's method pointer leads back to its entry
-    const sqlite3_io_methods* real;
-};
-Methods gMethods[4];
-
-int NoShm(sqlite3_file*, int, int, int, void volatile**) {
-    return SQLITE_CANTOPEN;
-}
-int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags) {
-    if (!name || !fs::exists(name)) return SQLITE_CANTOPEN;
-    flags = (flags & ~(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) | SQLITE_OPEN_READONLY;
-    int rc = gDefault->xOpen(gDefault, name, file, flags, outFlags);
-    if (!file->pMethods) return rc;
-    for (Methods& m : gMethods) {
-        if (!m.real) {
-            m.real = file->pMethods;
-            m.readOnly = *m.real;
-            m.readOnly.xShmMap = NoShm;
-        }
-        if (m.real == file->pMethods) {
-            file->pMethods = &m.readOnly;
-            return rc;
-        }
-    }
-    ADD_FAILURE() << name << " escapes the layer: the default layer has too many method tables";
-    return rc;
-}
-int Delete(sqlite3_vfs*, const char*, int) {
-    return SQLITE_IOERR_DELETE;
-}
-
-void RegisterReadOnlyVfs() {
-    if (gDefault) return;
-    gDefault = sqlite3_vfs_find(nullptr);
-    gReadOnly = *gDefault;
-    gReadOnly.zName = "readonlyplace";
-    gReadOnly.xOpen = Open;
-    gReadOnly.xDelete = Delete;
-    sqlite3_vfs_register(&gReadOnly, 0);
-}
-
 TEST(ReadOnlyPlace, AModuleIsReadWholeAndChangesAreRefused) {
-    RegisterReadOnlyVfs();
     std::string folder = ts::test::MakeTempFolder("ts-read-only");
     // A name with the characters a file URI gives meaning to.
     std::string path = folder + "/odd ?#% name.tsmod";
@@ -74,12 +27,13 @@ TEST(ReadOnlyPlace, AModuleIsReadWholeAndChangesAreRefused) {
     ASSERT_FALSE(fs::exists(path + "-wal")) << "a closed module keeps no log";
 
     ts::StoreResult result;
-    auto writer = ts::OpenSqliteStore(path, {.vfs = "readonlyplace"}, &result);
+    auto writer = ts::OpenSqliteStore(path, {.vfs = ts::test::ReadOnlyPlaceVfs()}, &result);
     EXPECT_FALSE(writer);
     EXPECT_NE(result.message.find(u"Could not open the module"), std::u16string::npos)
         << ts::Utf16ToUtf8(result.message);
 
-    auto reader = ts::OpenSqliteStore(path, {.readOnly = true, .vfs = "readonlyplace"}, &result);
+    auto reader =
+        ts::OpenSqliteStore(path, {.readOnly = true, .vfs = ts::test::ReadOnlyPlaceVfs()}, &result);
     ASSERT_TRUE(reader) << ts::Utf16ToUtf8(result.message);
     EXPECT_TRUE(reader->ReadOnly());
     std::vector<std::uint8_t> read;
@@ -100,7 +54,8 @@ TEST(ReadOnlyPlace, AModuleIsReadWholeAndChangesAreRefused) {
     // Changes still waiting in a log cannot be read without the shared-memory file; the module
     // is refused with the reason rather than read without them.
     std::ofstream(path + "-wal") << std::string(4096, 'x');
-    reader = ts::OpenSqliteStore(path, {.readOnly = true, .vfs = "readonlyplace"}, &result);
+    reader =
+        ts::OpenSqliteStore(path, {.readOnly = true, .vfs = ts::test::ReadOnlyPlaceVfs()}, &result);
     EXPECT_FALSE(reader);
     EXPECT_NE(result.message.find(u"its log file holds changes"), std::u16string::npos)
         << ts::Utf16ToUtf8(result.message);
