@@ -19,11 +19,17 @@ cmake --build "$fuzz"
 "$fuzz/fuzz_seeds" data/demo "$fuzz/corpus"
 mkdir -p "$fuzz/artifacts" "$fuzz/home"
 home=$(cd "$fuzz/home" && pwd)
-for target in resource_decode:decode text_formats:text; do
-    name=${target%%:*}
+# Each target is NAME:CORPUS:MAX_LEN. Inputs may be as large as the seeds that reach the paths
+# whose cost grows with the input (a 100,000-column table, a 100,000-key object, conversations of
+# lines owned twice), and one input taking longer than TS_FUZZ_INPUT_SECONDS is a finding.
+input_seconds=${TS_FUZZ_INPUT_SECONDS:-10}
+for target in resource_decode:decode:65536 text_formats:text:2097152 \
+    conversation_open:dlg:1048576; do
+    IFS=: read -r name corpus max_len <<<"$target"
     echo "fuzz_$name: ${seconds} s"
     XDG_DATA_HOME="$home" "$fuzz/fuzz_$name" -max_total_time="$seconds" \
-        -artifact_prefix="$fuzz/artifacts/" "$fuzz/corpus/${target#*:}" >"$fuzz/$name.log" 2>&1 ||
+        -timeout="$input_seconds" -max_len="$max_len" -rss_limit_mb=2048 \
+        -artifact_prefix="$fuzz/artifacts/" "$fuzz/corpus/$corpus" >"$fuzz/$name.log" 2>&1 ||
         { tail -n 40 "$fuzz/$name.log"; echo "fuzz_$name found a fault (see $fuzz/artifacts)"; exit 1; }
     grep -E "^Done [0-9]+ runs" "$fuzz/$name.log" || true
 done

@@ -27,7 +27,8 @@ bool Expect(const Arguments& args, std::string_view command, std::size_t min, st
             std::initializer_list<std::string_view> known) {
     for (const auto& option : args.options)
         if (std::find(known.begin(), known.end(), option) == known.end()) {
-            Fail(ts::Format(u"%s does not know the option %s", command, option), kUsage);
+            Fail(ts::Format(u"%s does not know the option %ls", command, ts::MessageText(option)),
+                 kUsage);
             return false;
         }
     if (args.words.size() < min || args.words.size() > max) {

@@ -19,7 +19,8 @@ int ModuleCreate(const Arguments& args) {
         for (const auto& p : problems) Fail(p);
         if (problems.size() == 1 && problems[0].find(u"already exists") != std::u16string::npos)
             return Fail(u"use --force to replace it");
-        return Fail(ts::Format(u"the module was not made (%lu problems)", problems.size()));
+        return Fail(ts::Format(u"the module was not made (%lu %ls)", problems.size(),
+                               problems.size() == 1 ? u"problem" : u"problems"));
     }
     Print(ts::Format(
         u"Made the module \"%s\": %d resources, %d tables, %d strings, %d status records.", module,

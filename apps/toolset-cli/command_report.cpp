@@ -132,7 +132,7 @@ int Report(const Arguments& args) {
         return kOk;
     }
     Print(u"\nCheck: the module is damaged (toolset-cli check tells where).");
-    return kFailed;
+    return Fail(u"the module is damaged; toolset-cli check tells where");
 }
 
 }  // namespace cli

@@ -4,6 +4,7 @@
 
 #include "agents/resourceschemas.h"
 #include "cli.h"
+#include "output_file.h"
 #include "ts/format.h"
 #include "ts/resourcecodec.h"
 #include "ts/resourcejson.h"
@@ -23,8 +24,9 @@ int List(const Arguments& args) {
         if (!info.checkedOutBy.empty())
             state += ts::Format(u"  checked out by %ls", info.checkedOutBy);
         if (info.locked) state += u"  locked";
-        Print(ts::Format(u"%ls.%ls  version %d  %ld bytes%ls", info.name, info.type, info.version,
-                         static_cast<long>(info.size), state));
+        Print(ts::Format(u"%ls.%ls  version %d  %ld bytes%ls", ts::MessageText(info.name),
+                         ts::MessageText(info.type), info.version, static_cast<long>(info.size),
+                         state));
     }
     return kOk;
 }
@@ -34,9 +36,13 @@ int Export(const Arguments& args) {
     std::u16string name, type;
     if (!SplitResourceName(args.words[1], name, type))
         return Fail(
-            ts::Format(u"\"%s\" does not name a resource as NAME.TYPE (for example tavern.dlg)",
-                       args.words[1]),
+            ts::Format(u"\"%ls\" does not name a resource as NAME.TYPE (for example tavern.dlg)",
+                       ts::MessageText(args.words[1])),
             kUsage);
+    // Checked before anything is read, so that a refused export has done nothing at all.
+    bool toFile = args.words.size() == 3 && args.words[2] != "-";
+    if (std::u16string why; toFile && !MayWriteOver(args.words[2], args.words[0], why))
+        return Fail(why);
     auto store = OpenModule(args.words[0], true);
     if (!store) return kFailed;
     std::vector<std::uint8_t> bytes;
@@ -52,26 +58,12 @@ int Export(const Arguments& args) {
                        ? ts::WriteResourceJsonShort(doc, ts::ResourceSchemas(), text, &error)
                        : ts::WriteResourceJson(doc, text, &error);
     if (!written) return Fail(error);
-    if (args.words.size() < 3 || args.words[2] == "-") {
+    if (!toFile) {
         std::fwrite(text.data(), 1, text.size(), stdout);
         return std::fflush(stdout) == 0 ? kOk : Fail(u"the output could not be written");
     }
     // Written beside the target and moved over it, so that a failure never leaves half a file.
-    std::string target = args.words[2], partial = target + ".partial";
-    {
-        std::ofstream out(partial, std::ios::binary | std::ios::trunc);
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        if (!out.flush()) {
-            std::filesystem::remove(partial);
-            return Fail(ts::Format(u"\"%s\" could not be written", target));
-        }
-    }
-    std::error_code ec;
-    std::filesystem::rename(partial, target, ec);
-    if (ec) {
-        std::filesystem::remove(partial, ec);
-        return Fail(ts::Format(u"\"%s\" could not be written", target));
-    }
+    if (!WriteWholeFile(args.words[2], text, error)) return Fail(error);
     return kOk;
 }
 

@@ -4,9 +4,11 @@
 
 #include "cli.h"
 #include "plugins_command.h"
+#include "ts/format.h"
 #include "ts/framework.h"
 #include "ts/hostui.h"
 #include "ts/report.h"
+#include "ts/text.h"
 
 namespace {
 
@@ -36,7 +38,8 @@ int main(int argc, char** argv) {
     if (command == "plugins" && argc <= 3) return RunPluginsCommand(argc == 3 ? argv[2] : "");
     if (command == "module") {
         if (argc < 3 || std::string_view(argv[2]) != "create") {
-            std::fprintf(stderr, "toolset-cli: the module command is \"module create SOURCES MODULE\"\n");
+            std::fprintf(stderr,
+                         "toolset-cli: the module command is \"module create SOURCES MODULE\"\n");
             return cli::kUsage;
         }
         return cli::ModuleCreate(cli::Split(argc, argv, 3));
@@ -47,6 +50,6 @@ int main(int argc, char** argv) {
     if (command == "import") return cli::Import(args);
     if (command == "check") return cli::Check(args);
     if (command == "report") return cli::Report(args);
-    std::fprintf(stderr, "toolset-cli: unknown command \"%s\"\n", argv[1]);
+    cli::Fail(ts::Format(u"unknown command \"%ls\"", ts::MessageText(command)), cli::kUsage);
     return cli::Usage(stderr);
 }

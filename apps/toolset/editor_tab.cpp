@@ -21,7 +21,7 @@ std::u16string LastErrorOf(ITsResourceManager& resources) {
 std::unique_ptr<EditorTab> EditorTab::Open(ts::PluginLoader& loader, ITsResourceManager& resources,
                                            std::u16string_view editorPattern,
                                            std::u16string_view name, std::u16string_view type,
-                                           std::u16string& error) {
+                                           bool readOnly, std::u16string& error) {
     std::unique_ptr<EditorTab> tab(new EditorTab);
     tab->resourceName_ = std::u16string(name) + u"." + std::u16string(type);
     auto fail = [&](std::u16string message) {
@@ -53,11 +53,9 @@ std::unique_ptr<EditorTab> EditorTab::Open(ts::PluginLoader& loader, ITsResource
         return fail(
             ts::Format(u"The editor for %ls could not make its window.", tab->resourceName_));
 
-    std::uint32_t readOnly = 0;
     ts::ResourceInfo info;
-    if (SUCCEEDED(resources.GetResourceInfo(name, type, &info)) && info.locked)
-        readOnly = kTsEditorReadOnly;
-    tab->editor_->Attach(0, tab->resourceName_.c_str(), readOnly);
+    if (SUCCEEDED(resources.GetResourceInfo(name, type, &info)) && info.locked) readOnly = true;
+    tab->editor_->Attach(0, tab->resourceName_.c_str(), readOnly ? kTsEditorReadOnly : 0);
     HRESULT loaded = tab->editor_->Load(tab->resource_.Get());
     // A load that fails with 1 has told the host why (its "Error" event).
     if (loaded == 1) return fail(u"");

@@ -23,11 +23,12 @@ class EditorTab : public QWidget {
 public:
     // Opens "NAME.TYPE" in the editor class whose pattern is `editorPattern`. On failure
     // returns null and `error` says why, for the user (empty when the editor already told the
-    // host through its "Error" event).
+    // host through its "Error" event). `readOnly` opens the editor read-only whatever the
+    // resource's state (the module itself cannot be written).
     static std::unique_ptr<EditorTab> Open(ts::PluginLoader& loader, ITsResourceManager& resources,
                                            std::u16string_view editorPattern,
                                            std::u16string_view name, std::u16string_view type,
-                                           std::u16string& error);
+                                           bool readOnly, std::u16string& error);
     ~EditorTab() override;
 
     const std::u16string& ResourceName() const { return resourceName_; }

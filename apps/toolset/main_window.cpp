@@ -229,8 +229,9 @@ bool MainWindow::OpenResource(const QString& name, const QString& type) {
         return false;
     }
     std::u16string error;
-    std::unique_ptr<EditorTab> tab = EditorTab::Open(
-        loader_, *resources_, pattern, name.toStdU16String(), type.toStdU16String(), error);
+    std::unique_ptr<EditorTab> tab =
+        EditorTab::Open(loader_, *resources_, pattern, name.toStdU16String(), type.toStdU16String(),
+                        store_ && store_->ReadOnly(), error);
     if (!tab) {
         if (!error.empty()) Tell(error);
         return false;

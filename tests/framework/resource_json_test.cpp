@@ -124,6 +124,13 @@ TEST(ResourceJson, MistakesAreReportedWithTheirPlace) {
     };
     for (const auto& [text, words] : cases) EXPECT_TRUE(Refuses(text, words));
 
+    // Keys are compared by content however many an object has: the first key, repeated after
+    // 20,000 others, is found; the same object without it reads on to the unknown key.
+    std::string many = R"({"resource": "a", "type": "t", "root": {"name": "A", "type": "int")";
+    for (int k = 0; k < 20000; ++k) many += ",\"k" + std::to_string(k) + "\": 0";
+    EXPECT_TRUE(Refuses(many + ", \"name\": \"B\"}}", u"the key \"name\" appears twice"));
+    EXPECT_TRUE(Refuses(many + "}}", u"unknown key \"k0\" in a node"));
+
     // A name given by the caller (from the file name) must agree with the document's.
     ResourceDocument named{u"tavern", u"dlg", {}};
     EXPECT_TRUE(Refuses(

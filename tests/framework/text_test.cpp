@@ -77,4 +77,24 @@ TEST(Atoms, AreSharedIgnoringAsciiCaseAndKeepTheFirstSpelling) {
     EXPECT_EQ(TsGetAtomName(0xFFFF), u"");
 }
 
+// Names from outside are quoted in messages on one line, visibly, and at a readable length.
+TEST(MessageText, EscapesWhatCannotBeSeenAndCutsWhatIsTooLong) {
+    const std::pair<std::u16string, std::u16string> cases[] = {
+        {u"tavern", u"tavern"},
+        {u"a\nb\tc\r", u"a\\nb\\tc\\r"},
+        {u"bell\u0007 esc\u001B[31m", u"bell\\u0007 esc\\u001B[31m"},
+        {u"\uFEFFID", u"\\uFEFFID"},
+        {u"zero\u200Bwidth", u"zero\\u200Bwidth"},
+        {u"caf\u00E9 \U0001F600", u"caf\u00E9 \U0001F600"},
+        {std::u16string(81, u'x'), std::u16string(80, u'x') + u"... (81 characters)"},
+        {std::u16string(79, u'x') + u"\U0001F600",  // a pair is never split
+         std::u16string(79, u'x') + u"... (81 characters)"},
+    };
+    for (const auto& [text, shown] : cases) EXPECT_EQ(ts::MessageText(text), shown);
+
+    std::string huge(1 << 20, 'n');
+    EXPECT_EQ(ts::MessageText(huge, 4), u"nnnn... (1048576 bytes)");
+    EXPECT_EQ(ts::MessageText(std::string("ok\x01"), 4), u"ok\\u0001");
+}
+
 }  // namespace

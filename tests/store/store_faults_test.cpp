@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include "support/test_folders.h"
@@ -17,6 +18,7 @@ struct FaultPlan {
     int failWriteAt = -1;  // 1-based; -1 never
     int writes = 0;        // writes seen since the plan was set
     bool failed = false;
+    int shmError = 0;  // when set, the shared-memory file cannot grow, with this in errno
 } gPlan;
 
 sqlite3_vfs* gDefault = nullptr;
@@ -41,6 +43,11 @@ int Write(sqlite3_file* f, const void* p, int n, sqlite3_int64 at) {
 int Truncate(sqlite3_file* f, sqlite3_int64 size) {
     return gPlan.failed ? SQLITE_IOERR_TRUNCATE : Real(f)->xTruncate(f, size);
 }
+int ShmMap(sqlite3_file* f, int region, int size, int extend, void volatile** p) {
+    if (!gPlan.shmError) return Real(f)->xShmMap(f, region, size, extend, p);
+    errno = gPlan.shmError;
+    return SQLITE_IOERR_SHMSIZE;
+}
 int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags) {
     int rc = gDefault->xOpen(gDefault, name, file, flags, outFlags);
     if (!file->pMethods) return rc;
@@ -50,6 +57,7 @@ int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* out
             m.faulty = *m.real;
             m.faulty.xWrite = Write;
             m.faulty.xTruncate = Truncate;
+            if (m.real->xShmMap) m.faulty.xShmMap = ShmMap;
         }
         if (m.real == file->pMethods) {
             file->pMethods = &m.faulty;
@@ -128,6 +136,27 @@ TEST(StoreFaults, ASaveThatFailsMidWayKeepsTheStoredVersion) {
     }
     EXPECT_TRUE(reachedTheEnd);
     EXPECT_GT(failures, 10);  // the save really was cut at many points
+    std::filesystem::remove_all(folder);
+}
+
+// A disk without room for the module's shared-memory file is reported as full, not as an
+// unnamed I/O error.
+TEST(StoreFaults, AFullDiskIsCalledFull) {
+    RegisterFaultyVfs();
+    std::string folder = ts::test::MakeTempFolder("ts-full");
+    std::string path = folder + "/m.tsmod";
+    ASSERT_TRUE(ts::OpenSqliteStore(path, {.create = true}));
+    for (int error : {ENOSPC, EIO}) {
+        gPlan = {};
+        gPlan.shmError = error;
+        ts::StoreResult result;
+        auto store = ts::OpenSqliteStore(path, {.vfs = "faulty"}, &result);
+        gPlan = {};
+        EXPECT_FALSE(store);
+        std::string message = ts::Utf16ToUtf8(result.message);
+        EXPECT_EQ(message.find("the disk is full") != std::string::npos, error == ENOSPC)
+            << message;
+    }
     std::filesystem::remove_all(folder);
 }
 

@@ -1,12 +1,19 @@
 #include "ts/text.h"
 
+#include <algorithm>
+#include <string>
+
 namespace ts {
 
 namespace {
 constexpr char32_t kReplacement = 0xFFFD;
 
-bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool IsLowSurrogate(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
+bool IsHighSurrogate(char16_t c) {
+    return c >= 0xD800 && c <= 0xDBFF;
+}
+bool IsLowSurrogate(char16_t c) {
+    return c >= 0xDC00 && c <= 0xDFFF;
+}
 
 void AppendUtf8(std::string& out, char32_t cp) {
     if (cp < 0x80) {
@@ -121,6 +128,47 @@ bool EqualsIgnoreAsciiCase(std::u16string_view a, std::u16string_view b) {
         if (x != y) return false;
     }
     return true;
+}
+
+std::u16string MessageText(std::u16string_view text, std::size_t limit) {
+    std::u16string_view shown = CutUtf16(text, limit);
+    std::u16string out;
+    out.reserve(shown.size());
+    auto hex = [&out](char16_t c) {
+        out += u"\\u";
+        for (int shift = 12; shift >= 0; shift -= 4) out += u"0123456789ABCDEF"[(c >> shift) & 0xF];
+    };
+    for (char16_t c : shown) {
+        if (c == u'\n')
+            out += u"\\n";
+        else if (c == u'\r')
+            out += u"\\r";
+        else if (c == u'\t')
+            out += u"\\t";
+        else if (c < 0x20 || c == 0x7F || (c >= 0x80 && c < 0xA0) || c == 0xFEFF ||
+                 (c >= 0x200B && c <= 0x200F) || c == 0x2028 || c == 0x2029)
+            hex(c);
+        else
+            out += c;
+    }
+    if (shown.size() < text.size()) {
+        out += u"... (";
+        for (char c : std::to_string(text.size())) out += static_cast<char16_t>(c);
+        out += u" characters)";
+    }
+    return out;
+}
+
+std::u16string MessageText(std::string_view utf8, std::size_t limit) {
+    // A UTF-8 character is at most four bytes, so a longer text is converted only as far as can
+    // be shown, and a huge one costs nothing.
+    if (utf8.size() <= limit * 4) return MessageText(Utf8ToUtf16(utf8), limit);
+    std::u16string head = Utf8ToUtf16(utf8.substr(0, limit * 4));
+    std::u16string out = MessageText(CutUtf16(head, limit), limit);
+    out += u"... (";
+    for (char c : std::to_string(utf8.size())) out += static_cast<char16_t>(c);
+    out += u" bytes)";
+    return out;
 }
 
 }  // namespace ts

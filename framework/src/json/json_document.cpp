@@ -1,12 +1,61 @@
 #include "json/json_document.h"
 
+#include <unordered_set>
+
 #include "ts/format.h"
+#include "ts/text.h"
 
 namespace ts::json {
 
 namespace {
 
 constexpr int kMaxDepth = 512;
+
+// The keys of one object, to find a key given twice. Most objects have a handful of keys, which a
+// scan compares fastest; past that a hash set keeps the check linear however many keys there are.
+// Keys are kept as places in the string pool, which grows (and moves) while the object is read.
+class KeySet {
+public:
+    explicit KeySet(const std::u16string& pool) : pool_(pool), set_(0, Hash{&pool}, Equal{&pool}) {}
+
+    // False when the object already has this key; `scratch` from `first` holds its members so far.
+    bool Add(const Value& key, const std::vector<Value>& scratch, std::size_t first) {
+        Key k{key.a, key.b};
+        if (!set_.empty()) return set_.insert(k).second;
+        std::u16string_view name = View(pool_, k);
+        std::size_t count = (scratch.size() - first) / 2;
+        if (count < kScanLimit) {
+            for (std::size_t i = first; i < scratch.size(); i += 2)
+                if (View(pool_, {scratch[i].a, scratch[i].b}) == name) return false;
+            return true;
+        }
+        set_.reserve(count * 2);
+        for (std::size_t i = first; i < scratch.size(); i += 2)
+            set_.insert({scratch[i].a, scratch[i].b});
+        return set_.insert(k).second;
+    }
+
+private:
+    static constexpr std::size_t kScanLimit = 16;
+    struct Key {
+        std::uint32_t offset, length;
+    };
+    static std::u16string_view View(const std::u16string& pool, Key k) {
+        return std::u16string_view(pool).substr(k.offset, k.length);
+    }
+    struct Hash {
+        const std::u16string* pool;
+        std::size_t operator()(Key k) const {
+            return std::hash<std::u16string_view>()(View(*pool, k));
+        }
+    };
+    struct Equal {
+        const std::u16string* pool;
+        bool operator()(Key a, Key b) const { return View(*pool, a) == View(*pool, b); }
+    };
+    const std::u16string& pool_;
+    std::unordered_set<Key, Hash, Equal> set_;
+};
 
 class Parser {
 public:
@@ -260,6 +309,7 @@ private:
         ++p_;
         out.kind = Kind::Object;
         std::size_t first = scratch_.size();
+        KeySet keys(pool_);
         SkipSpace();
         if (p_ < s_.size() && s_[p_] == '}') {
             ++p_;
@@ -272,11 +322,11 @@ private:
                 key.kind = Kind::String;
                 key.at = static_cast<std::uint32_t>(p_);
                 if (!ParseString(key)) return false;
-                std::u16string_view name = std::u16string_view(pool_).substr(key.a, key.b);
-                for (std::size_t i = first; i < scratch_.size(); i += 2)
-                    if (std::u16string_view(pool_).substr(scratch_[i].a, scratch_[i].b) == name)
-                        return FailAt(
-                            key.at, Format(u"the key \"%ls\" appears twice in this object", name));
+                if (!keys.Add(key, scratch_, first))
+                    return FailAt(
+                        key.at,
+                        Format(u"the key \"%ls\" appears twice in this object",
+                               MessageText(std::u16string_view(pool_).substr(key.a, key.b))));
                 SkipSpace();
                 if (p_ >= s_.size() || s_[p_] != ':') return Fail(u"expected ':' after a key");
                 ++p_;

@@ -44,8 +44,8 @@ private:
             auto m = doc_.MemberAt(root, i);
             if (m.key == u"resource" || m.key == u"type") {
                 if (!m.value->IsString() || doc_.String(*m.value).empty())
-                    return Fail(*m.value,
-                                Format(u"\"%ls\" must be a text that is not empty", m.key));
+                    return Fail(*m.value, Format(u"\"%ls\" must be a text that is not empty",
+                                                 MessageText(m.key)));
                 std::u16string given(doc_.String(*m.value));
                 std::u16string& known = m.key == u"resource" ? out.name : out.type;
                 if (!known.empty() && !EqualsIgnoreAsciiCase(known, given))
@@ -53,7 +53,8 @@ private:
                         *m.value,
                         Format(
                             u"the document says its %ls is \"%ls\" but its file name says \"%ls\"",
-                            m.key == u"resource" ? u"name" : u"type", given, known));
+                            m.key == u"resource" ? u"name" : u"type", MessageText(given),
+                            MessageText(known)));
                 known = given;
             } else if (m.key == u"root") {
                 tree = m.value;
@@ -62,7 +63,7 @@ private:
             } else {
                 return Fail(*m.value, Format(u"unknown key \"%ls\" (expected \"resource\", "
                                              u"\"type\", \"root\" or \"fields\")",
-                                             m.key));
+                                             MessageText(m.key)));
             }
         }
         if (out.name.empty())
@@ -147,7 +148,7 @@ private:
                             Format(u"unknown key \"%ls\" in a node (expected name, type, flags, "
                                    u"display, category, "
                                    u"subCategory, description, editor, value or children)",
-                                   m.key));
+                                   MessageText(m.key)));
         }
         if (FAILED(TsCreateProperty(doc_.String(*name), code, flags, attributes[0], attributes[1],
                                     attributes[2], attributes[3], attributes[4], out.Put())))
@@ -219,8 +220,9 @@ private:
                 if (atom && field)
                     return Fail(*m.value,
                                 Format(u"a %ls has no field \"%ls\" (did you mean \"%ls\"?)",
-                                       schema.name, m.key, TsGetAtomName(atom)));
-                return Fail(*m.value, Format(u"a %ls has no field \"%ls\"", schema.name, m.key));
+                                       schema.name, MessageText(m.key), TsGetAtomName(atom)));
+                return Fail(*m.value,
+                            Format(u"a %ls has no field \"%ls\"", schema.name, MessageText(m.key)));
             }
             named = named || m.key == schema.nameField;
             if (field->GetType() == kTsTypeList) {

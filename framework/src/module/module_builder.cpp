@@ -41,7 +41,7 @@ std::vector<fs::path> FilesIn(const fs::path& folder, std::string_view extension
 std::u16string Shown(const fs::path& path, const fs::path& root) {
     std::error_code ec;
     auto relative = fs::relative(path, root, ec);
-    return Utf8ToUtf16((ec || relative.empty() ? path : relative).string());
+    return MessageText((ec || relative.empty() ? path : relative).string(), 200);
 }
 
 class Builder {
@@ -95,10 +95,10 @@ private:
                     return Problem(
                         file,
                         Format(u"%ls: unknown key \"%ls\" (expected name, moduleId, description)",
-                               doc.Where(*m.value), m.key));
+                               doc.Where(*m.value), MessageText(m.key)));
                 if (!json::ReadValue(doc, *m.value, type, v, problem))
-                    return Problem(
-                        file, Format(u"%ls: \"%ls\": %ls", doc.Where(*m.value), m.key, problem));
+                    return Problem(file, Format(u"%ls: \"%ls\": %ls", doc.Where(*m.value),
+                                                MessageText(m.key), problem));
                 if (m.key == u"name")
                     info.name = v.GetString();
                 else if (m.key == u"moduleId")
@@ -201,7 +201,8 @@ private:
         if (!added && it->second.first != text)
             Problem(file, Format(u"the string id %d (language %d) has two different texts: \"%ls\" "
                                  u"here and \"%ls\" in %ls",
-                                 id, language, text, it->second.first, it->second.second));
+                                 id, language, MessageText(text), MessageText(it->second.first),
+                                 it->second.second));
     }
 
     // A CSV file of the sources folder with the given columns, or null when it is absent or faulty.
@@ -284,12 +285,12 @@ private:
             double days = 0;
             if (!date.empty() && !json::ParseDate(date, days)) {
                 Problem(file, Format(u"row %d: \"%ls\" is not a date (YYYY-MM-DD)",
-                                     table.RowId(row), date));
+                                     table.RowId(row), MessageText(date)));
                 continue;
             }
             if (flag != u"true" && flag != u"false") {
                 Problem(file, Format(u"row %d: \"%ls\" is neither true nor false", table.RowId(row),
-                                     flag));
+                                     MessageText(flag)));
                 continue;
             }
             StoreResult r =

@@ -1,5 +1,7 @@
+#include "ts/format.h"
 #include "ts/modulebuilder.h"
 #include "ts/resourcecodec.h"
+#include "ts/text.h"
 
 namespace ts {
 
@@ -34,6 +36,21 @@ ModuleCheck CheckModule(ResourceStore& store) {
     for (const ResourceInfo& info : list) {
         ResourceCheck& c = check.resources.emplace_back();
         c.info = info;
+        // Rows the store itself would never write (it checks names, types and versions on the
+        // way in) are damage too: no editor or command could name or save them.
+        if (!IsValidResourceName(info.name)) {
+            c.problem = Format(u"\"%ls\" is not a valid resource name", MessageText(info.name));
+            continue;
+        }
+        if (!IsValidResourceType(info.type)) {
+            c.problem = Format(u"\"%ls\" is not a valid resource type", MessageText(info.type));
+            continue;
+        }
+        if (info.version < 1) {
+            c.problem =
+                Format(u"its version %d is not one a save makes (they start at 1)", info.version);
+            continue;
+        }
         std::vector<std::uint8_t> bytes;
         if (auto r = store.ReadResource(info.name, info.type, bytes); !r) {
             c.problem = r.message;

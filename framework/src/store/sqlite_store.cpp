@@ -1,11 +1,14 @@
 #include <sqlite3.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 
 #include "store/sqlite_statement.h"
 #include "ts/format.h"
 #include "ts/resourcestore.h"
+#include "ts/text.h"
 
 namespace ts {
 
@@ -65,6 +68,10 @@ std::u16string Reason(sqlite3* db, int rc) {
         case SQLITE_CANTOPEN:
             return u"the module file cannot be opened";
         case SQLITE_IOERR:
+            // Running out of room while growing the log or its shared-memory file comes back as
+            // an I/O error; the system's own code tells the two apart.
+            if (db && (sqlite3_system_errno(db) == ENOSPC || sqlite3_system_errno(db) == EDQUOT))
+                return u"the disk is full";
             return Format(u"the module file could not be read or written (%s)",
                           db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
         default:
@@ -91,10 +98,12 @@ StoreResult Problem(StoreStatus status, std::u16string message) {
 
 class SqliteStore final : public ResourceStore {
 public:
-    SqliteStore(sqlite3* db, std::string path) : db_(db), path_(std::move(path)) {}
+    SqliteStore(sqlite3* db, std::string path, bool readOnly)
+        : db_(db), path_(std::move(path)), readOnly_(readOnly) {}
     ~SqliteStore() override { sqlite3_close_v2(db_); }
 
     std::u16string Location() const override { return Utf8ToUtf16(path_); }
+    bool ReadOnly() const override { return readOnly_; }
 
     StoreResult Open(const SqliteStoreOptions& options) {
         sqlite3_extended_result_codes(db_, 1);
@@ -117,7 +126,7 @@ public:
             if ((rc & 0xFF) == SQLITE_NOTADB || (rc == SQLITE_OK && id != kApplicationId))
                 return Problem(StoreStatus::Damaged,
                                Format(u"\"%s\" is not a toolset module", path_));
-            if (rc != SQLITE_OK) return OpenFailure(rc, u"open");
+            if (rc != SQLITE_OK) return OpenFailure(rc, options.readOnly ? u"read" : u"open");
             if (version > kSchemaVersion)
                 return Problem(
                     StoreStatus::Failed,
@@ -191,9 +200,10 @@ public:
         if (rc == SQLITE_CONSTRAINT_UNIQUE)
             return Problem(StoreStatus::AlreadyExists,
                            Format(u"A resource \"%ls\" of type \"%ls\" already exists in \"%s\"",
-                                  name, type, path_));
+                                  MessageText(name), MessageText(type), path_));
         if (rc != SQLITE_OK)
-            return Failure(rc, Format(u"Could not create the resource \"%ls\" (%ls)", name, type));
+            return Failure(rc, Format(u"Could not create the resource \"%ls\" (%ls)",
+                                      MessageText(name), MessageText(type)));
         return StoreResult::Success();
     }
 
@@ -206,7 +216,8 @@ public:
         int rc = q.Bind(1, type).Bind(2, name).Step();
         if (rc == SQLITE_DONE) return NoSuchResource(name, type);
         if (rc != SQLITE_ROW)
-            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
+            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)",
+                                      MessageText(name), MessageText(type)));
         q.Blob(0, content);
         if (info) ReadInfo(q, 1, *info);
         return StoreResult::Success();
@@ -215,7 +226,8 @@ public:
     StoreResult SaveResource(std::u16string_view name, std::u16string_view type,
                              std::span<const std::uint8_t> content, std::int32_t expectedVersion,
                              std::u16string_view user) override {
-        std::u16string what = Format(u"Could not save the resource \"%ls\" (%ls)", name, type);
+        std::u16string what = Format(u"Could not save the resource \"%ls\" (%ls)",
+                                     MessageText(name), MessageText(type));
         return InTransaction(what, [&]() -> StoreResult {
             ResourceInfo info;
             std::int64_t id;
@@ -226,7 +238,8 @@ public:
                                       u"opened it (it is now at "
                                       u"version %d, yours is version %d); your changes were not "
                                       u"saved over theirs",
-                                      name, type, info.modifiedBy, info.version, expectedVersion));
+                                      MessageText(name), MessageText(type), info.modifiedBy,
+                                      info.version, expectedVersion));
             Statement q(db_,
                         "UPDATE resources SET content = ?, version = version + 1, modified_on = ?, "
                         "modified_by = ? "
@@ -241,7 +254,8 @@ public:
 
     StoreResult DeleteResource(std::u16string_view name, std::u16string_view type,
                                std::u16string_view user) override {
-        std::u16string what = Format(u"Could not delete the resource \"%ls\" (%ls)", name, type);
+        std::u16string what = Format(u"Could not delete the resource \"%ls\" (%ls)",
+                                     MessageText(name), MessageText(type));
         return InTransaction(what, [&]() -> StoreResult {
             ResourceInfo info;
             std::int64_t id;
@@ -262,7 +276,8 @@ public:
         int rc = q.Bind(1, type).Bind(2, name).Step();
         if (rc == SQLITE_DONE) return NoSuchResource(name, type);
         if (rc != SQLITE_ROW)
-            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
+            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)",
+                                      MessageText(name), MessageText(type)));
         ReadInfo(q, 0, info);
         return StoreResult::Success();
     }
@@ -283,7 +298,8 @@ public:
 
     StoreResult CheckOut(std::u16string_view name, std::u16string_view type,
                          std::u16string_view user) override {
-        std::u16string what = Format(u"Could not check out the resource \"%ls\" (%ls)", name, type);
+        std::u16string what = Format(u"Could not check out the resource \"%ls\" (%ls)",
+                                     MessageText(name), MessageText(type));
         if (user.empty())
             return Problem(StoreStatus::InvalidArgument, what + u": no user name was given");
         return InTransaction(what, [&]() -> StoreResult {
@@ -299,7 +315,8 @@ public:
 
     StoreResult CheckIn(std::u16string_view name, std::u16string_view type,
                         std::u16string_view user) override {
-        std::u16string what = Format(u"Could not check in the resource \"%ls\" (%ls)", name, type);
+        std::u16string what = Format(u"Could not check in the resource \"%ls\" (%ls)",
+                                     MessageText(name), MessageText(type));
         return InTransaction(what, [&]() -> StoreResult {
             ResourceInfo info;
             if (auto r = GetResourceInfo(name, type, info); !r) return r;
@@ -321,7 +338,8 @@ public:
         Statement q(db_, "UPDATE resources SET locked = ? WHERE type = ? AND name = ?");
         int rc = q.Bind(1, locked ? 1 : 0).Bind(2, type).Bind(3, name).Run();
         if (rc != SQLITE_OK)
-            return Failure(rc, Format(u"Could not lock the resource \"%ls\" (%ls)", name, type));
+            return Failure(rc, Format(u"Could not lock the resource \"%ls\" (%ls)",
+                                      MessageText(name), MessageText(type)));
         if (sqlite3_changes(db_) == 0) return NoSuchResource(name, type);
         return StoreResult::Success();
     }
@@ -470,7 +488,8 @@ public:
     }
 
     StoreResult ImportTable(const GameTable& table) override {
-        std::u16string what = Format(u"Could not import the table \"%ls\"", table.Name());
+        std::u16string what =
+            Format(u"Could not import the table \"%ls\"", MessageText(table.Name()));
         if (!IsValidTableName(table.Name()))
             return Problem(StoreStatus::InvalidArgument, what + u": the name is not valid");
         return InTransaction(what, [&]() -> StoreResult {
@@ -492,9 +511,10 @@ public:
         Statement q(db_, "SELECT name, content FROM game_tables WHERE name = ?");
         int rc = q.Bind(1, name).Step();
         if (rc == SQLITE_DONE)
-            return Problem(StoreStatus::NotFound,
-                           Format(u"The module \"%s\" has no table \"%ls\"", path_, name));
-        if (rc != SQLITE_ROW) return Failure(rc, Format(u"Could not read the table \"%ls\"", name));
+            return Problem(StoreStatus::NotFound, Format(u"The module \"%s\" has no table \"%ls\"",
+                                                         path_, MessageText(name)));
+        if (rc != SQLITE_ROW)
+            return Failure(rc, Format(u"Could not read the table \"%ls\"", MessageText(name)));
         std::u16string error;
         if (!GameTable::FromCsv(q.Text(0), q.Utf8(1), table, &error))
             return Problem(
@@ -586,9 +606,9 @@ private:
     }
 
     StoreResult NoSuchResource(std::u16string_view name, std::u16string_view type) {
-        return Problem(
-            StoreStatus::NotFound,
-            Format(u"There is no resource \"%ls\" of type \"%ls\" in \"%s\"", name, type, path_));
+        return Problem(StoreStatus::NotFound,
+                       Format(u"There is no resource \"%ls\" of type \"%ls\" in \"%s\"",
+                              MessageText(name), MessageText(type), path_));
     }
 
     StoreResult CheckKey(std::u16string_view name, std::u16string_view type) {
@@ -597,11 +617,12 @@ private:
                            Format(u"\"%ls\" is not a valid resource name (1 to 128 characters, "
                                   u"none of / \\ : * ? \" < > | "
                                   u"and no control characters)",
-                                  name));
+                                  MessageText(name)));
         if (!IsValidResourceType(type))
             return Problem(
                 StoreStatus::InvalidArgument,
-                Format(u"\"%ls\" is not a valid resource type (1 to 16 letters and digits)", type));
+                Format(u"\"%ls\" is not a valid resource type (1 to 16 letters and digits)",
+                       MessageText(type)));
         return StoreResult::Success();
     }
 
@@ -626,7 +647,8 @@ private:
         int rc = q.Bind(1, type).Bind(2, name).Step();
         if (rc == SQLITE_DONE) return NoSuchResource(name, type);
         if (rc != SQLITE_ROW)
-            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)", name, type));
+            return Failure(rc, Format(u"Could not read the resource \"%ls\" (%ls)",
+                                      MessageText(name), MessageText(type)));
         id = q.Int(0);
         ReadInfo(q, 1, info);
         if (info.locked)
@@ -675,7 +697,62 @@ private:
 
     sqlite3* db_;
     std::string path_;
+    bool readOnly_;
 };
+
+// Whether the module file and its folder (where its log files go) may be written.
+bool CanWriteBeside(const std::string& path) {
+    std::error_code ec;
+    std::filesystem::path folder = std::filesystem::absolute(path, ec).parent_path();
+    return (!std::filesystem::exists(path, ec) || ::access(path.c_str(), W_OK) == 0) &&
+           ::access(folder.c_str(), W_OK) == 0;
+}
+
+// "file:" URI of a path, for SQLite's URI parameters: absolute, and with the characters that end
+// or escape a URI's path percent-encoded.
+std::string FileUri(const std::string& path) {
+    std::error_code ec;
+    std::string absolute = std::filesystem::absolute(path, ec).string();
+    if (ec) absolute = path;
+    std::string uri = "file:";
+    for (char c : absolute) {
+        if (c == '%' || c == '?' || c == '#') {
+            uri += '%';
+            uri += "0123456789ABCDEF"[(static_cast<unsigned char>(c) >> 4) & 0xF];
+            uri += "0123456789ABCDEF"[static_cast<unsigned char>(c) & 0xF];
+        } else {
+            uri += c;
+        }
+    }
+    return uri;
+}
+
+// Opens one connection to the module and checks it is one. `immutable` reads the module file
+// as a file that nothing changes, without locks or the shared-memory file.
+std::unique_ptr<SqliteStore> Connect(const std::string& path, const SqliteStoreOptions& options,
+                                     bool immutable, StoreResult& result) {
+    int flags = options.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    if (options.create) flags |= SQLITE_OPEN_CREATE;
+    std::string name = path;
+    if (immutable) {
+        flags |= SQLITE_OPEN_URI;
+        name = FileUri(path) + "?immutable=1";
+    }
+    sqlite3* db = nullptr;
+    int rc = sqlite3_open_v2(name.c_str(), &db, flags,
+                             options.vfs.empty() ? nullptr : options.vfs.c_str());
+    if (rc != SQLITE_OK) {
+        std::u16string reason = Reason(db, rc);
+        sqlite3_close_v2(db);
+        result = {StatusOf(rc), Format(u"Could not %ls the module \"%s\": %ls",
+                                       options.readOnly ? u"read" : u"open", path, reason)};
+        return nullptr;
+    }
+    auto store = std::make_unique<SqliteStore>(db, path, options.readOnly);
+    result = store->Open(options);
+    if (!result) return nullptr;
+    return store;
+}
 
 }  // namespace
 
@@ -714,20 +791,29 @@ std::unique_ptr<ResourceStore> OpenSqliteStore(const std::string& path,
         return fail(StoreStatus::InvalidArgument,
                     Format(u"\"%s\" is a folder, not a module file", path));
 
-    int flags = options.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
-    if (options.create) flags |= SQLITE_OPEN_CREATE;
-    sqlite3* db = nullptr;
-    int rc = sqlite3_open_v2(path.c_str(), &db, flags,
-                             options.vfs.empty() ? nullptr : options.vfs.c_str());
-    if (rc != SQLITE_OK) {
-        std::u16string reason = Reason(db, rc);
-        sqlite3_close_v2(db);
-        return fail(StatusOf(rc), Format(u"Could not open the module \"%s\": %ls", path, reason));
+    StoreResult opened;
+    auto store = Connect(path, options, false, opened);
+    // A module in write-ahead-log mode is read through a shared-memory file beside it, which a
+    // read-only folder or mount cannot hold. While its log is empty the module file alone holds
+    // every change, and it is read as a file that nothing changes.
+    if (!store && options.readOnly && opened.status == StoreStatus::Failed) {
+        std::uintmax_t log = std::filesystem::file_size(path + "-wal", ec);
+        if (ec || log == 0)
+            store = Connect(path, options, true, opened);
+        else
+            opened.message = Format(
+                u"Could not read the module \"%s\": its log file holds changes that can only be "
+                u"read where the module's folder can be written; open the module once there to "
+                u"fold them in",
+                path);
     }
-    auto store = std::make_unique<SqliteStore>(db, path);
-    StoreResult opened = store->Open(options);
-    if (!opened) {
-        store.reset();
+    if (!store && !options.readOnly && opened.status == StoreStatus::Failed &&
+        !CanWriteBeside(path))
+        opened.message = Format(
+            u"Could not open the module \"%s\" for changes: the module file or its folder is "
+            u"read-only",
+            path);
+    if (!store) {
         if (options.create) {  // no half-made module left behind
             for (const char* suffix : {"", "-wal", "-shm"})
                 std::filesystem::remove(path + suffix, ec);

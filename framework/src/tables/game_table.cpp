@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "ts/format.h"
 #include "ts/text.h"
@@ -132,8 +133,13 @@ private:
     std::size_t line_ = 1;
 };
 
-bool IsValidUtf8(std::string_view s) {
-    return Utf16ToUtf8(Utf8ToUtf16(s)) == s;
+// Converts a cell, false when it is not valid UTF-8. Malformed bytes come out as U+FFFD, so text
+// without U+FFFD or surrogates was valid; only the rest is checked by converting it back.
+bool ToUtf16(std::string_view s, std::u16string& out) {
+    out = Utf8ToUtf16(s);
+    for (char16_t c : out)
+        if (c == 0xFFFD || (c >= 0xD800 && c <= 0xDFFF)) return Utf16ToUtf8(out) == s;
+    return true;
 }
 
 }  // namespace
@@ -153,7 +159,7 @@ bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTab
         return Fail(
             error,
             Format(u"\"%ls\" is not a valid table name (1 to 64 letters, digits, \"_\" or \"-\")",
-                   name));
+                   MessageText(name)));
     std::vector<Record> records;
     if (!CsvReader(utf8).Records(records, error)) return false;
     if (records.empty())
@@ -161,18 +167,29 @@ bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTab
 
     GameTable table;
     table.name_ = name;
+    // Names compare without regard to ASCII case; a set keeps the check linear in the header.
+    std::unordered_set<std::u16string> names;
+    names.reserve(records.front().cells.size());
+    table.columns_.reserve(records.front().cells.size());
     for (const auto& header : records.front().cells) {
-        if (!IsValidUtf8(header))
+        std::u16string column;
+        if (!ToUtf16(header, column))
             return Fail(error,
                         Format(u"line %lu: the text is not valid UTF-8", records.front().line));
-        std::u16string column = Utf8ToUtf16(header);
         if (column.empty())
             return Fail(error, Format(u"line %lu: column %lu of the header has no name",
                                       records.front().line, table.columns_.size() + 1));
-        for (const auto& other : table.columns_)
-            if (EqualsIgnoreAsciiCase(other, column))
-                return Fail(error, Format(u"line %lu: the column \"%ls\" is named twice",
-                                          records.front().line, column));
+        // A second byte-order mark (a file saved twice with one) or one pasted into a name would
+        // be an invisible part of the column's name, which no lookup would ever match.
+        if (column.find(u'\uFEFF') != std::u16string::npos)
+            return Fail(
+                error,
+                Format(u"line %lu: the name of column %lu (\"%ls\") holds a "
+                       u"byte-order mark (U+FEFF), an invisible character; remove it",
+                       records.front().line, table.columns_.size() + 1, MessageText(column)));
+        if (!names.insert(AsciiLower(column)).second)
+            return Fail(error, Format(u"line %lu: the column \"%ls\" is named twice",
+                                      records.front().line, MessageText(column)));
         table.columns_.push_back(std::move(column));
     }
 
@@ -184,15 +201,14 @@ bool GameTable::FromCsv(std::u16string_view name, std::string_view utf8, GameTab
             return Fail(error, Format(u"line %lu has %lu cells but the header names %lu columns",
                                       record.line, record.cells.size(), width));
         for (const auto& cell : record.cells) {
-            if (!IsValidUtf8(cell))
+            if (!ToUtf16(cell, table.cells_.emplace_back()))
                 return Fail(error, Format(u"line %lu: the text is not valid UTF-8", record.line));
-            table.cells_.push_back(Utf8ToUtf16(cell));
         }
         std::int32_t id;
         const std::u16string& idText = table.cells_[table.cells_.size() - width];
         if (!ParseInt(idText, id))
             return Fail(error, Format(u"line %lu: the row id \"%ls\" is not a whole number",
-                                      record.line, idText));
+                                      record.line, MessageText(idText)));
         auto [it, added] = firstLine.emplace(id, record.line);
         if (!added)
             return Fail(error, Format(u"line %lu: the row id %d is used twice (first on line %lu)",
@@ -245,7 +261,8 @@ bool GameTable::FindColumn(std::u16string_view name, std::size_t& column,
             column = c;
             return true;
         }
-    return Fail(error, Format(u"The table \"%ls\" has no column \"%ls\"", name_, name));
+    return Fail(error,
+                Format(u"The table \"%ls\" has no column \"%ls\"", name_, MessageText(name)));
 }
 
 bool GameTable::FindRow(std::int32_t id, std::size_t& row, std::u16string* error) const {

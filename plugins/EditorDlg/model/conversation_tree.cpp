@@ -4,6 +4,7 @@
 
 #include "model/dlg_editor_settings.h"
 #include "model/node_label.h"
+#include "model/tree_growth.h"
 #include "ts/format.h"
 #include "ts/report.h"
 
@@ -82,6 +83,9 @@ bool ConversationTree::Build(ITsProperty* resource, std::u16string& error) {
         root_.Unbind();
         return false;
     };
+    // Lines owned more than once are copied under each owner; refuse before building when
+    // that would grow the tree far beyond the conversation.
+    if (std::u16string growth; !CheckTreeGrowth(root_, growth)) return fail(std::move(growth));
 
     std::vector<BuildStep> steps;
     for (std::uint32_t i = root_.StartListCount(); i-- > 0;) {

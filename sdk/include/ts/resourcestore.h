@@ -86,6 +86,8 @@ public:
 
     // Where the module lives, for messages.
     virtual std::u16string Location() const = 0;
+    // Opened for reading only (a read-only folder or mount): every change is refused.
+    virtual bool ReadOnly() const = 0;
 
     virtual StoreResult GetModuleInfo(ModuleInfo& info) = 0;
     virtual StoreResult SetModuleInfo(const ModuleInfo& info) = 0;

@@ -22,4 +22,10 @@ TS_API std::u16string AsciiLower(std::u16string_view text);
 TS_API std::u16string AsciiUpper(std::u16string_view text);
 TS_API bool EqualsIgnoreAsciiCase(std::u16string_view a, std::u16string_view b);
 
+// Text from outside (a name, a key, a word of the command line) made fit to quote in a one-line
+// message: control characters and invisible marks written as escapes ("\n", "\u0007",
+// "\uFEFF"), and a text longer than `limit` units cut, with "..." and its full length.
+TS_API std::u16string MessageText(std::u16string_view text, std::size_t limit = 80);
+TS_API std::u16string MessageText(std::string_view utf8, std::size_t limit = 80);
+
 }  // namespace ts

@@ -1,0 +1,68 @@
+// check loads every conversation in the conversation editor, so a conversation that decodes but
+// that the editor refuses is reported, not passed.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "cli_run.h"
+#include "support/test_folders.h"
+#include "ts/configuration.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using ts::test::Contains;
+using ts::test::RunToolsetCli;
+
+// A conversation of `levels` NPC lines in the short JSON form, each owning two player lines that
+// both own the next NPC line.
+std::string DoublingChain(const std::string& name, int levels) {
+    std::string npc, pc;
+    for (int i = 0; i < levels; ++i) {
+        std::string next = i + 1 < levels ? "{\"LineIndex\": " + std::to_string(i + 1) + "}" : "";
+        npc += std::string(i ? "," : "") +
+               "{\"Text\": \"N\", \"TransitionList\": [{\"LineIndex\": " + std::to_string(2 * i) +
+               "}, {\"LineIndex\": " + std::to_string(2 * i + 1) + "}]}";
+        for (int k = 0; k < 2; ++k)
+            pc += std::string(i || k ? "," : "") + "{\"Text\": \"P\", \"TransitionList\": [" +
+                  next + "]}";
+    }
+    return "{\"resource\": \"" + name +
+           "\", \"type\": \"dlg\", \"fields\": {\"StartList\": [{\"LineIndex\": 0}], "
+           "\"NPCLineList\": [" +
+           npc + "], \"PlayerLineList\": [" + pc + "]}}";
+}
+
+TEST(CheckOpens, AConversationTheEditorRefusesFailsTheCheck) {
+    std::string folder = ts::test::MakeTempFolder("ts-cli-check");
+    std::string module = folder + "/demo.tsmod";
+    ASSERT_EQ(
+        RunToolsetCli({"module", "create", ts::ApplicationDataFolder() + "/demo", module}).exitCode,
+        0);
+    auto sound = RunToolsetCli({"check", module});
+    EXPECT_EQ(sound.exitCode, 0) << sound.out << sound.err;
+    EXPECT_TRUE(Contains(sound.out, "ok       orla_welcome.dlg")) << sound.out;
+
+    for (int levels : {4, 20}) {
+        std::string file = folder + "/chain" + std::to_string(levels) + ".dlg.json";
+        std::ofstream(file) << DoublingChain("chain" + std::to_string(levels), levels);
+        auto imported = RunToolsetCli({"import", module, file});
+        ASSERT_EQ(imported.exitCode, 0) << imported.err;
+    }
+    auto checked = RunToolsetCli({"check", module});
+    EXPECT_EQ(checked.exitCode, 1);
+    EXPECT_TRUE(Contains(checked.out, "ok       chain4.dlg")) << checked.out;
+    EXPECT_TRUE(Contains(checked.out,
+                         "refused  chain20.dlg: its editor cannot open it: The "
+                         "conversation cannot be opened"))
+        << checked.out;
+    EXPECT_TRUE(Contains(checked.out, "owned by more than one line: NPC line [1] (2 owners)"));
+    EXPECT_TRUE(Contains(checked.err,
+                         "the module has problems: 1 of 18 resources cannot be opened in their "
+                         "editor"))
+        << checked.err;
+    fs::remove_all(folder);
+}
+
+}  // namespace
