@@ -8,6 +8,7 @@
 
 #include "agents/resourceschemas.h"
 #include "model/conversation_tree.h"
+#include "support/doubling_chain.h"
 #include "ts/gametable.h"
 #include "ts/resourcejson.h"
 
@@ -45,26 +46,11 @@ void BM_JsonManyKeys(benchmark::State& state) {
 }
 BENCHMARK(BM_JsonManyKeys)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
-// Each NPC line owns two player lines and both own the next NPC line.
-std::string DoublingChain(std::int64_t levels) {
-    std::string npc, pc;
-    for (std::int64_t i = 0; i < levels; ++i) {
-        std::string next = i + 1 < levels ? "{\"LineIndex\": " + std::to_string(i + 1) + "}" : "";
-        npc += std::string(i ? "," : "") +
-               "{\"TransitionList\": [{\"LineIndex\": " + std::to_string(2 * i) +
-               "}, {\"LineIndex\": " + std::to_string(2 * i + 1) + "}]}";
-        for (int k = 0; k < 2; ++k)
-            pc += std::string(i || k ? "," : "") + "{\"TransitionList\": [" + next + "]}";
-    }
-    return R"({"resource": "chain", "type": "dlg", "fields": {"StartList": [{"LineIndex": 0}], )"
-           R"("NPCLineList": [)" +
-           npc + R"(], "PlayerLineList": [)" + pc + "]}}";
-}
-
 void BM_DoublyOwnedChain(benchmark::State& state) {
     ts::ResourceDocument doc;
     std::u16string error;
-    if (!ts::ReadResourceJson(DoublingChain(state.range(0)), doc, &error, ts::ResourceSchemas())) {
+    if (!ts::ReadResourceJson(ts::test::DoublingChain("chain", state.range(0)), doc, &error,
+                              ts::ResourceSchemas())) {
         state.SkipWithError("the chain cannot be read");
         return;
     }

@@ -17,18 +17,7 @@ using ts::test::Contains;
 using ts::test::ReadWholeFile;
 using ts::test::RunToolsetCli;
 
-class BadInput : public ::testing::Test {
-protected:
-    std::string folder = ts::test::MakeTempFolder("ts-cli-bad");
-    std::string demo = folder + "/demo.tsmod";
-
-    void SetUp() override {
-        auto made =
-            RunToolsetCli({"module", "create", ts::ApplicationDataFolder() + "/demo", demo});
-        ASSERT_EQ(made.exitCode, 0) << made.err;
-    }
-    void TearDown() override { fs::remove_all(folder); }
-};
+using BadInput = ts::test::CliDemoModule;
 
 TEST_F(BadInput, NamesAreQuotedEscapedAndCut) {
     struct Case {

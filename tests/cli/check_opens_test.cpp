@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "cli_run.h"
+#include "support/doubling_chain.h"
 #include "support/test_folders.h"
 #include "ts/configuration.h"
 
@@ -14,25 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 using ts::test::Contains;
 using ts::test::RunToolsetCli;
-
-// A conversation of `levels` NPC lines in the short JSON form, each owning two player lines that
-// both own the next NPC line.
-std::string DoublingChain(const std::string& name, int levels) {
-    std::string npc, pc;
-    for (int i = 0; i < levels; ++i) {
-        std::string next = i + 1 < levels ? "{\"LineIndex\": " + std::to_string(i + 1) + "}" : "";
-        npc += std::string(i ? "," : "") +
-               "{\"Text\": \"N\", \"TransitionList\": [{\"LineIndex\": " + std::to_string(2 * i) +
-               "}, {\"LineIndex\": " + std::to_string(2 * i + 1) + "}]}";
-        for (int k = 0; k < 2; ++k)
-            pc += std::string(i || k ? "," : "") + "{\"Text\": \"P\", \"TransitionList\": [" +
-                  next + "]}";
-    }
-    return "{\"resource\": \"" + name +
-           "\", \"type\": \"dlg\", \"fields\": {\"StartList\": [{\"LineIndex\": 0}], "
-           "\"NPCLineList\": [" +
-           npc + "], \"PlayerLineList\": [" + pc + "]}}";
-}
 
 TEST(CheckOpens, AConversationTheEditorRefusesFailsTheCheck) {
     std::string folder = ts::test::MakeTempFolder("ts-cli-check");
@@ -46,7 +28,7 @@ TEST(CheckOpens, AConversationTheEditorRefusesFailsTheCheck) {
 
     for (int levels : {4, 20}) {
         std::string file = folder + "/chain" + std::to_string(levels) + ".dlg.json";
-        std::ofstream(file) << DoublingChain("chain" + std::to_string(levels), levels);
+        std::ofstream(file) << ts::test::DoublingChain("chain" + std::to_string(levels), levels);
         auto imported = RunToolsetCli({"import", module, file});
         ASSERT_EQ(imported.exitCode, 0) << imported.err;
     }

@@ -16,18 +16,7 @@ using ts::test::Contains;
 using ts::test::ReadWholeFile;
 using ts::test::RunToolsetCli;
 
-class ModuleSafety : public ::testing::Test {
-protected:
-    std::string folder = ts::test::MakeTempFolder("ts-cli-safety");
-    std::string demo = folder + "/demo.tsmod";
-
-    void SetUp() override {
-        auto made =
-            RunToolsetCli({"module", "create", ts::ApplicationDataFolder() + "/demo", demo});
-        ASSERT_EQ(made.exitCode, 0) << made.err;
-    }
-    void TearDown() override { fs::remove_all(folder); }
-};
+using ModuleSafety = ts::test::CliDemoModule;
 
 TEST_F(ModuleSafety, AnExportNeverReplacesAModule) {
     std::string other = folder + "/other.tsmod";

@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "agents/resourceschemas.h"
+#include "support/doubling_chain.h"
 #include "ts/resourcecodec.h"
 #include "ts/resourcejson.h"
 #include "ts/text.h"
@@ -38,22 +39,6 @@ std::string ManyKeys(int keys) {
     return text + "}}";
 }
 
-// Each NPC line owns two player lines and both own the next NPC line.
-std::string DoublingChain(int levels) {
-    std::string npc, pc;
-    for (int i = 0; i < levels; ++i) {
-        std::string next = i + 1 < levels ? "{\"LineIndex\": " + std::to_string(i + 1) + "}" : "";
-        npc += std::string(i ? "," : "") +
-               "{\"TransitionList\": [{\"LineIndex\": " + std::to_string(2 * i) +
-               "}, {\"LineIndex\": " + std::to_string(2 * i + 1) + "}]}";
-        for (int k = 0; k < 2; ++k)
-            pc += std::string(i || k ? "," : "") + "{\"TransitionList\": [" + next + "]}";
-    }
-    return R"({"resource": "chain", "type": "dlg", "fields": {"StartList": [{"LineIndex": 0}], )"
-           R"("NPCLineList": [)" +
-           npc + R"(], "PlayerLineList": [)" + pc + "]}}";
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -67,8 +52,8 @@ int main(int argc, char** argv) {
     fs::create_directories(corpus / "dlg");
     Write(corpus / "text" / "wide.csv", WideTable(100000));
     Write(corpus / "text" / "many_keys.json", ManyKeys(100000));
-    Write(corpus / "dlg" / "chain24.dlg.json", DoublingChain(24));
-    Write(corpus / "dlg" / "chain1000.dlg.json", DoublingChain(1000));
+    Write(corpus / "dlg" / "chain24.dlg.json", ts::test::DoublingChain("chain", 24));
+    Write(corpus / "dlg" / "chain1000.dlg.json", ts::test::DoublingChain("chain", 1000));
     int written = 0;
     for (const auto& entry : fs::recursive_directory_iterator(sources)) {
         if (!entry.is_regular_file()) continue;
