@@ -88,6 +88,11 @@ TEST(UndoCommands, EachCommandAppliesUndoesAndRedoesOnTheTree) {
         EXPECT_EQ(c.tree.Items().GetText(c.tree.Items().GetLastChild(halt)),
                   u"Who's asking? [END DIALOGUE]");
     });
+    // Undone while the new line is selected, the selection goes back to the line above it.
+    c.tree.Items().Select(c.tree.Items().GetLastChild(halt));
+    ASSERT_TRUE(c.stack.Undo());
+    EXPECT_EQ(c.tree.Items().GetSelection(), halt);
+    ASSERT_TRUE(c.stack.Redo());
     // Its parent-to-be had no children: "Hm." takes a first answer; the line's label is the
     // same, and the answer's label ends the dialogue.
     TreeItem idle = Find(c, u"[[OWNER]] Hm.");

@@ -65,8 +65,12 @@ DetachedSubtree ConversationEdits::Detach(TreeItem item) {
     if (!items.IsInTree(item) || item == tree_.RootItem()) return {};
     BeginEdit();
     TreeItem parent = items.GetParent(item);
+    TreeItem selected = items.GetSelection();
     links_.RemoveSubtree(items, item);
     items.Detach(item);
+    // The selection was inside what left: the line it stood under takes it, so that the user
+    // goes on from there.
+    if (selected != kNoItem && items.GetSelection() == kNoItem) items.Select(parent);
     renumber_ = true;
     Touch(parent);
     EndEdit();
