@@ -2,6 +2,8 @@
 // copy of the key, each list read once, and the library's host events that empty it.
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "agents/valuecache.h"
 #include "model/plugin_events.h"
 #include "support/fake_resource.h"
@@ -103,8 +105,74 @@ TEST(ValueCache, ReadsEachListOnceKeepsItsOwnKeyAndRemembersFailures) {
     ReportCapture reports;
     EXPECT_EQ(cache.NumberedTexts(C2daCacheKey(u"toolset_dlglang", u"LanguageName")), nullptr);
     EXPECT_EQ(reports.Count(u"Accesing invalid 2DA plugin"), 1u);
-    EXPECT_EQ(cache.TextPairs(CDbResRefCacheKey(2009)), nullptr);
+    EXPECT_EQ(cache.TextPairs(CDbResRefCacheKey(u"plo")), nullptr);
     EXPECT_EQ(reports.Count(u"Accesing invalid resource manager"), 1u);
+    // A number that is no atom names no type: failing beats listing every resource.
+    EXPECT_EQ(cache.TextPairs(CDbResRefCacheKey(std::uint16_t{2009})), nullptr);
+    EXPECT_EQ(reports.Count(u"Unknown resource type atom 2009"), 1u);
+}
+
+TEST(ValueCacheAccessor, LooksUpByFoldedTextOrByValueAndAnswersFalseWithoutAList) {
+    CValueCache cache;
+    int reads = 0;
+    CValueCacheAccessor owners(std::make_unique<CountingKey>(1, &reads), cache);
+    CValueCacheAccessor same(std::make_unique<CountingKey>(1, &reads), cache);
+    CValueCacheAccessor failing(std::make_unique<CountingKey>(2, &reads, false), cache);
+
+    std::u16string text = u"unchanged";
+    std::int32_t value = -7;
+    EXPECT_TRUE(owners.SecondTextOf(u"owner", text));
+    EXPECT_EQ(text, u"owner");
+    EXPECT_TRUE(same.TextOfValue(std::u16string_view(u"player"), text));
+    EXPECT_EQ(text, u"PLAYER");
+    // Values compare exactly unless the key says otherwise.
+    EXPECT_FALSE(same.TextOfValue(std::u16string_view(u"PLAYER"), text));
+    EXPECT_TRUE(owners.ValueOf(u"aNGRY", value));
+    EXPECT_EQ(value, 1);
+    EXPECT_TRUE(same.TextOfValue(0, text));
+    EXPECT_EQ(text, u"Neutral");
+    EXPECT_EQ(same.TextPairs(), owners.TextPairs());
+    EXPECT_EQ(reads, 2);  // one read per form, shared by both accessors
+
+    struct Miss {
+        const char* what;
+        std::function<bool(CValueCacheAccessor&)> lookup;
+    };
+    const Miss misses[] = {
+        {"second text", [&](CValueCacheAccessor& a) { return a.SecondTextOf(u"OWNERS", text); }},
+        {"value", [&](CValueCacheAccessor& a) { return a.ValueOf(u"Neutra", value); }},
+        {"text of text", [&](CValueCacheAccessor& a) { return a.TextOfValue(u"nobody", text); }},
+        {"text of number", [&](CValueCacheAccessor& a) { return a.TextOfValue(5, text); }},
+    };
+    text = u"unchanged";
+    value = -7;
+    for (const auto& miss : misses) {
+        EXPECT_FALSE(miss.lookup(owners)) << miss.what;
+        // A failed read answers false even where the list would have matched.
+        EXPECT_FALSE(miss.lookup(failing)) << miss.what;
+    }
+    EXPECT_FALSE(failing.SecondTextOf(u"OWNER", text));
+    EXPECT_FALSE(failing.TextOfValue(0, text));
+    EXPECT_EQ(text, u"unchanged");
+    EXPECT_EQ(value, -7);
+    TsTextPairs pairs{{u"kept", u"kept"}};
+    TsNumberedTexts numbered{{u"kept", 3}};
+    EXPECT_FALSE(failing.CopyTextPairs(pairs));
+    EXPECT_FALSE(failing.CopyNumberedTexts(numbered));
+    EXPECT_EQ(pairs.size(), 1u);
+    EXPECT_EQ(numbered.size(), 1u);
+    EXPECT_EQ(reads, 4);  // the failed key tried each form once
+
+    ASSERT_TRUE(owners.CopyNumberedTexts(numbered));
+    EXPECT_EQ(numbered, *owners.NumberedTexts());
+    ASSERT_TRUE(owners.CopyTextPairs(pairs));
+    EXPECT_EQ(pairs.size(), 2u);
+
+    // Forgetting through one accessor makes the other read again too.
+    owners.Forget();
+    EXPECT_FALSE(cache.Contains(same.Key()));
+    EXPECT_TRUE(same.ValueOf(u"NEUTRAL", value));
+    EXPECT_EQ(reads, 5);
 }
 
 TEST(PluginEvents, SevenEventsEmptyTheProcessCacheAndNoOthers) {

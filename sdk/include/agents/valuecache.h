@@ -55,12 +55,17 @@ struct TsRowCondition {
     variant value;
 };
 
-// A list read from one column of a 2DA table: each row that meets every condition gives the
-// cell's text and the row's number.
+// A list read from one column of a 2DA table through the host's resource manager: each row that
+// meets every condition gives the cell's text with the row's id (as a number, or as decimal text
+// in the text-pair form). The options and the flag are kept as part of the key's identity so that
+// keys differing only there never share an entry; no reading depends on them today.
 class C2daCacheKey : public CValueCacheKey {
 public:
     C2daCacheKey(std::u16string table, std::u16string column,
                  std::vector<TsRowCondition> rowConditions = {}, std::u16string defaultText = {});
+    C2daCacheKey(std::u16string table, std::u16string column, std::int32_t firstOption,
+                 std::vector<TsRowCondition> rowConditions, std::u16string textOption,
+                 std::int32_t secondOption, std::u16string defaultText, std::uint32_t flag);
 
     bool Less(const CValueCacheKey& other) const override;
     bool LoadTextPairs(TsTextPairs& list) const override;
@@ -83,10 +88,13 @@ private:
     std::uint32_t flag_ = 0;
 };
 
-// The resources of one type in the resource database.
+// The resources of one type in the module store, listed through the host's resource manager.
+// The type is held as the atom of its name (TsAddAtom(u"dlg")), which keeps the key one 16-bit
+// field. Each text pair is (name, "name.type"); there is no numbered form.
 class CDbResRefCacheKey : public CValueCacheKey {
 public:
     explicit CDbResRefCacheKey(std::uint16_t resourceType);
+    explicit CDbResRefCacheKey(std::u16string_view resourceType);
 
     bool Less(const CValueCacheKey& other) const override;
     bool LoadTextPairs(TsTextPairs& list) const override;
@@ -139,4 +147,37 @@ private:
         }
     };
     std::map<std::unique_ptr<CValueCacheKey>, std::unique_ptr<CValueCacheEntry>, KeyOrder> entries_;
+};
+
+// How a pane or a combo box uses the list of one key: it owns the key and asks the cache (the
+// process's, unless given another) for the list on every call, so that it always sees the list
+// as it is since the last emptying. Lookups scan the list in order; they answer false, leaving
+// the output alone, when the list could not be read or nothing matches.
+class CValueCacheAccessor {
+public:
+    explicit CValueCacheAccessor(std::unique_ptr<CValueCacheKey> key);
+    CValueCacheAccessor(std::unique_ptr<CValueCacheKey> key, CValueCache& cache);
+    virtual ~CValueCacheAccessor() = default;
+    CValueCacheAccessor(const CValueCacheAccessor&) = delete;
+    CValueCacheAccessor& operator=(const CValueCacheAccessor&) = delete;
+
+    // Drops the key's entry so that the next request reads the list again.
+    virtual void Forget();
+    virtual const TsTextPairs* TextPairs();
+    virtual const TsNumberedTexts* NumberedTexts();
+    virtual bool CopyTextPairs(TsTextPairs& out);
+    virtual bool CopyNumberedTexts(TsNumberedTexts& out);
+    // The second text paired with `text` (ASCII case ignored).
+    virtual bool SecondTextOf(std::u16string_view text, std::u16string& out);
+    // The number paired with `text` (ASCII case ignored).
+    virtual bool ValueOf(std::u16string_view text, std::int32_t& out);
+    // The first text paired with `value`, as the key compares values.
+    virtual bool TextOfValue(std::u16string_view value, std::u16string& out);
+    virtual bool TextOfValue(std::int32_t value, std::u16string& out);
+
+    const CValueCacheKey& Key() const { return *key_; }
+
+private:
+    std::unique_ptr<CValueCacheKey> key_;
+    CValueCache& cache_;
 };

@@ -46,6 +46,18 @@ C2daCacheKey::C2daCacheKey(std::u16string table, std::u16string column,
     }
 }
 
+C2daCacheKey::C2daCacheKey(std::u16string table, std::u16string column, std::int32_t firstOption,
+                           std::vector<TsRowCondition> rowConditions, std::u16string textOption,
+                           std::int32_t secondOption, std::u16string defaultText,
+                           std::uint32_t flag)
+    : C2daCacheKey(std::move(table), std::move(column), std::move(rowConditions),
+                   std::move(defaultText)) {
+    firstOption_ = firstOption;
+    textOption_ = std::move(textOption);
+    secondOption_ = secondOption;
+    flag_ = flag;
+}
+
 bool C2daCacheKey::Less(const CValueCacheKey& other) const {
     if (Kind() != other.Kind()) return CValueCacheKey::Less(other);
     const auto& o = static_cast<const C2daCacheKey&>(other);
@@ -58,18 +70,6 @@ bool C2daCacheKey::Less(const CValueCacheKey& other) const {
            std::tie(o.textOption_, o.secondOption_, o.defaultText_, o.flag_);
 }
 
-// The host's table service is not reachable from here yet, so the lists can't be read: the
-// load fails as it does when the service is missing.
-bool C2daCacheKey::LoadTextPairs(TsTextPairs&) const {
-    Report(ReportLevel::Assert, "engine2da", __LINE__, u"Accesing invalid 2DA plugin");
-    return false;
-}
-
-bool C2daCacheKey::LoadNumberedTexts(TsNumberedTexts&) const {
-    Report(ReportLevel::Assert, "engine2da", __LINE__, u"Accesing invalid 2DA plugin");
-    return false;
-}
-
 std::unique_ptr<CValueCacheKey> C2daCacheKey::Clone() const {
     return std::make_unique<C2daCacheKey>(*this);
 }
@@ -77,20 +77,12 @@ std::unique_ptr<CValueCacheKey> C2daCacheKey::Clone() const {
 CDbResRefCacheKey::CDbResRefCacheKey(std::uint16_t resourceType)
     : CValueCacheKey(u"CDbResRefCacheKey"), resourceType_(resourceType) {}
 
+CDbResRefCacheKey::CDbResRefCacheKey(std::u16string_view resourceType)
+    : CDbResRefCacheKey(TsAddAtom(resourceType)) {}
+
 bool CDbResRefCacheKey::Less(const CValueCacheKey& other) const {
     if (Kind() != other.Kind()) return CValueCacheKey::Less(other);
     return resourceType_ < static_cast<const CDbResRefCacheKey&>(other).resourceType_;
-}
-
-// As for tables: without the host's resource manager the list can't be read.
-bool CDbResRefCacheKey::LoadTextPairs(TsTextPairs&) const {
-    Report(ReportLevel::Assert, "engineresman", __LINE__, u"Accesing invalid resource manager");
-    return false;
-}
-
-bool CDbResRefCacheKey::LoadNumberedTexts(TsNumberedTexts&) const {
-    Report(ReportLevel::Assert, "engineresman", __LINE__, u"Accesing invalid resource manager");
-    return false;
 }
 
 std::unique_ptr<CValueCacheKey> CDbResRefCacheKey::Clone() const {
