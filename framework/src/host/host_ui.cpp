@@ -97,6 +97,10 @@ void TsLogWindowOutput(std::u16string_view text) {
     Report(ReportLevel::Info, "hostui", __LINE__, text);
 }
 
+void TsReplaceError(std::u16string_view resource, const std::vector<ts::ErrorEntry>& errors) {
+    if (ts::HostUi* ui = Installed().load()) ui->ReplaceErrors(resource, errors);
+}
+
 namespace ts {
 
 void HostUi::LogOutput(std::u16string_view text) {

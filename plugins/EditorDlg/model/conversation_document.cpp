@@ -35,6 +35,8 @@ bool ConversationDocument::Load(ITsProperty* root, std::u16string& error) {
     ClearReferences();
     bool built = tree_.Build(root, error);
     edits_.Reindex();
+    validation_.TakeChanged();
+    if (built) edits_.ValidateAll();
     return built;
 }
 
@@ -93,6 +95,7 @@ void ConversationDocument::CollectReferences() {
 void ConversationDocument::Refresh() {
     ClearReferences();
     tree_.UpdateAmbient(tree_.RootItem());
+    edits_.ValidateAll();
     tree_.RefreshAll();
 }
 

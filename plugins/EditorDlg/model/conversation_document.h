@@ -27,6 +27,7 @@ public:
     ConversationTree& Tree() { return tree_; }
     // Every change of the open conversation goes through here.
     ConversationEdits& Edits() { return edits_; }
+    ConversationValidation& Validation() { return validation_; }
     const ConversationTree& Tree() const { return tree_; }
     bool IsLoaded() const { return tree_.RootItem() != kNoItem; }
 
@@ -40,11 +41,17 @@ public:
     void CollectReferences();
     void ClearReferences() { references_.clear(); }
 
-    // After "Refresh": forget the references and recompute every label and colour.
+    ConversationDocument() { edits_.SetValidation(&validation_); }
+    ConversationDocument(const ConversationDocument&) = delete;
+    ConversationDocument& operator=(const ConversationDocument&) = delete;
+
+    // After "Refresh": forget the references, validate again (plots and stages may have changed)
+    // and recompute every label and colour.
     void Refresh();
 
 private:
     ConversationTree tree_;
+    ConversationValidation validation_{tree_};
     ConversationEdits edits_{tree_};
     std::int32_t wordCount_ = -1;
     std::map<TsAtom, std::set<std::u16string>> references_;

@@ -1,18 +1,23 @@
 #include "model/conversation_editor_wnd.h"
 
+#include <algorithm>
+
 #include "core/com_error.h"
 #include "core/host_events.h"
 #include "core/string_enum.h"
 #include "model/dlg_editor_settings.h"
 #include "model/editor_commands.h"
 #include "model/known_tags.h"
+#include "model/plugin_events.h"
 #include "model/tree_view_commands.h"
 #include "ts/editorhost.h"
 #include "ts/environment.h"
 #include "ts/events.h"
 #include "ts/format.h"
+#include "ts/hoststring.h"
 #include "ts/hostui.h"
 #include "ts/telemetry.h"
+#include "ts/text.h"
 
 namespace {
 
@@ -37,10 +42,18 @@ CConversationEditorWnd::CConversationEditorWnd(CTsWindowInterface<CConversationE
 
 CConversationEditorWnd::~CConversationEditorWnd() {
     ClearHistory();
+    // The host lists the faults of open conversations only.
+    if (IsLoaded()) TsReplaceError(DisplayName(), {});
+}
+
+void CConversationEditorWnd::PublishErrors(bool always) {
+    if (document_.Validation().TakeChanged() || always)
+        TsReplaceError(DisplayName(), document_.Validation().Errors());
 }
 
 void CConversationEditorWnd::UndoEnd(int, bool) {
     UndoHistoryChanged();
+    PublishErrors(false);
 }
 
 void CConversationEditorWnd::UndoHistoryChanged() {
@@ -69,6 +82,16 @@ bool CConversationEditorWnd::CommandState(std::uint32_t id, std::uint32_t& state
 HRESULT CConversationEditorWnd::ExecuteCommand(std::uint32_t id) {
     if (!commands_.FindById(id)) return E_INVALIDARG;
     return dlg::RunCommand(*this, id) ? S_OK : S_FALSE;
+}
+
+bool CConversationEditorWnd::MayChangeFaults(ITsResource* resource) const {
+    CTsHostString name;
+    if (!resource || FAILED(resource->GetName(name.Put()))) return true;
+    std::u16string_view text = name.View();
+    std::u16string_view type = text.substr(std::min(text.size(), text.rfind(u'.') + 1));
+    for (std::u16string_view read : {u"plo", u"stg", u"utc"})
+        if (ts::EqualsIgnoreAsciiCase(type, read)) return true;
+    return false;
 }
 
 HRESULT CConversationEditorWnd::EnumerateResourceTypes(std::int32_t which, ITsStringEnum** types) {
@@ -110,6 +133,7 @@ HRESULT CConversationEditorWnd::LoadResource(IUnknown* resource) {
     unsavedBeforeHistory_ = reloading && !resource && !IsReadOnly();
     SetModified(unsavedBeforeHistory_);
     SetLoaded(true);
+    PublishErrors(true);
     return S_OK;
 }
 
@@ -172,10 +196,17 @@ void CConversationEditorWnd::RefreshStateDisplay() {
 }
 
 void CConversationEditorWnd::OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t,
-                                     ITsResource*) {
+                                     ITsResource* resource) {
     if (event == ts::events::Refresh() || event == ts::events::RefreshNoArt()) {
         document_.Refresh();
         RefreshStateDisplay();
+        PublishErrors(false);
+    } else if (editordlg::IsValueCacheFlushEvent(event)) {
+        // A plot, stage or creature may have changed under the conversation's references.
+        if (document_.IsLoaded() && MayChangeFaults(resource)) {
+            document_.Edits().ValidateAll();
+            PublishErrors(false);
+        }
     } else if (event == ts::events::OptionsChange() && param1 == TsFindAtom(kOptionsName)) {
         dlg::LoadDlgEditorSettings();
         if (document_.IsLoaded()) document_.Tree().RefreshAllColours();

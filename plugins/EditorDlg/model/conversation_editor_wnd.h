@@ -99,9 +99,16 @@ public:
 
     void OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t param2, ITsResource* resource);
 
+    // Hands the host the conversation's error list when it changed since the last time (or
+    // `always`).
+    void PublishErrors(bool always);
+
 private:
     // The editor object that answers the host for this window.
     IUnknown* Owner() const;
+    // Whether an event about `resource` can change what validation finds: one of the kinds
+    // the rules read, or an event about no resource in particular.
+    bool MayChangeFaults(ITsResource* resource) const;
 
     TsWindowHandle parent_;
     CTsWindowInterface<CConversationEditorWnd>* owner_;

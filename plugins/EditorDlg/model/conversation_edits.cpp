@@ -42,14 +42,29 @@ void ConversationEdits::EndEdit() {
     for (TreeItem top : attached_) {
         if (!items.IsInTree(top)) continue;
         tree_.UpdateAmbient(top);
+        ValidateSubtree(top);
         tree_.RefreshSubtree(top);
     }
     for (TreeItem item : touched_)
         if (items.IsInTree(item)) RefreshLine(item);
+    for (TreeItem item : redraw_)
+        if (items.IsInTree(item)) RefreshLine(item);
     attached_.clear();
     touched_.clear();
+    redraw_.clear();
     items.EndBatch();
     if (structure && observer_) observer_->StructureChanged();
+}
+
+void ConversationEdits::ValidateSubtree(TreeItem top) {
+    if (validation_) validation_->ValidateSubtree(top, redraw_);
+}
+
+void ConversationEdits::ValidateAll() {
+    if (!validation_ || tree_.RootItem() == kNoItem) return;
+    BeginEdit();
+    ValidateSubtree(tree_.RootItem());
+    EndEdit();
 }
 
 bool ConversationEdits::FitsUnder(TreeItem parent, const ConversationNode& child) const {
@@ -158,12 +173,16 @@ bool ConversationEdits::RefreshNode(std::int32_t treeIndex, int changeCode, bool
     if (select) items.Select(item);
     if (changeCode == kChangeAll) {
         tree_.UpdateAmbient(tree_.RootItem());
+        ValidateSubtree(tree_.RootItem());
         tree_.RefreshAll();
     } else if (changeCode == kChangeAmbient) {
+        // The flag reaches every line below; their links follow through redraw_.
         tree_.UpdateAmbient(item);
+        ValidateSubtree(item);
         tree_.RefreshSubtree(item);
         RefreshLine(item);
     } else {
+        if (validation_) validation_->Validate(item);
         RefreshLine(item);
     }
     EndEdit();

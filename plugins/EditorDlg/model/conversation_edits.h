@@ -5,6 +5,7 @@
 
 #include "model/conversation_tree.h"
 #include "model/link_index.h"
+#include "model/validation/conversation_validation.h"
 
 namespace dlg {
 
@@ -47,6 +48,13 @@ public:
     ConversationEdits& operator=(const ConversationEdits&) = delete;
 
     void SetObserver(ConversationEditObserver* observer) { observer_ = observer; }
+    // Validation follows every edit: the lines a field change touches, the subtrees that came in
+    // or moved (their ambient flags may be new), and everything when a conversation default
+    // changed.
+    void SetValidation(ConversationValidation* validation) { validation_ = validation; }
+    // Validates the whole conversation and redraws what changed (after a load or a refresh);
+    // the effective ambient flags must be current.
+    void ValidateAll();
     ConversationTree& Tree() { return tree_; }
     const ConversationTree& Tree() const { return tree_; }
     const LinkIndex& Links() const { return links_; }
@@ -90,14 +98,18 @@ public:
 
 private:
     void Touch(TreeItem item) { touched_.push_back(item); }
+    // Validates `top`'s subtree; the items whose state changed go to `redraw_`.
+    void ValidateSubtree(TreeItem top);
 
     ConversationTree& tree_;
     ConversationEditObserver* observer_ = nullptr;
+    ConversationValidation* validation_ = nullptr;
     LinkIndex links_;
     int depth_ = 0;
     bool renumber_ = false;
     std::vector<TreeItem> touched_;   // items whose own label may change
     std::vector<TreeItem> attached_;  // tops of subtrees that came in or moved
+    std::vector<TreeItem> redraw_;    // lines whose faults changed: they and their links
 };
 
 }  // namespace dlg

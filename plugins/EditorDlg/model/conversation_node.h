@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "agents/agentconversation.h"
 #include "model/item_tree.h"
@@ -27,7 +28,9 @@ struct ConversationNode : TreeItemData {
     TreeItem treeItem = kNoItem;
     // For a link, the node of the line it refers to (never another link).
     ConversationNode* linkTarget = nullptr;
-    // Messages of the failed validation rules; empty when the line is valid.
+    // Messages of the failed validation rules in rule order, and the same joined with " | " as
+    // the tree shows them; both empty when the line is valid.
+    std::vector<std::u16string> faults;
     std::u16string errorText;
 
     // The node whose line this item shows: the target for a link, else itself.

@@ -68,6 +68,8 @@ ConversationNode* ConversationTree::NodeAt(std::int32_t treeIndex) const {
 bool ConversationTree::Build(ITsProperty* resource, std::u16string& error) {
     items_.DeleteAllItems();
     byTreeIndex_.clear();
+    rootFaults_.clear();
+    rootErrorText_.clear();
     root_.Bind(resource);
     error.clear();
     TreeItem rootItem = items_.InsertItem(kNoItem, kInsertLast, u"Root");
@@ -365,7 +367,8 @@ void ConversationTree::RefreshColours(TreeItem item) {
     const DlgEditorSettings& s = TheDlgEditorSettings();
     ConversationNode* node = NodeOf(item);
     if (!node) {
-        items_.SetColours(item, kNoColour, kNoColour);
+        bool faulty = item == RootItem() && !rootErrorText_.empty();
+        items_.SetColours(item, kNoColour, faulty ? ToScreenColour(s.ErrorColor) : kNoColour);
         return;
     }
     const ConversationNode& shown = node->Shown();

@@ -53,6 +53,11 @@ public:
     // Colours alone, of the whole tree, after the settings changed.
     void RefreshAllColours();
 
+    // What validation found wrong with the conversation's own record (as a line's faults).
+    std::vector<std::u16string>& RootFaults() { return rootFaults_; }
+    const std::vector<std::u16string>& RootFaults() const { return rootFaults_; }
+    std::u16string& RootErrorText() { return rootErrorText_; }
+
     // Effective ambient flags, top-down from an item.
     void UpdateAmbient(TreeItem item);
 
@@ -68,6 +73,8 @@ private:
 
     ItemTree items_;
     CAgentConversation root_;
+    std::vector<std::u16string> rootFaults_;
+    std::u16string rootErrorText_;
     std::vector<ConversationNode*> byTreeIndex_;  // index = TreeIndex; [0] is the root (null)
 };
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ts/api.h"
 #include "ts/result.h"
@@ -48,6 +49,23 @@ TS_API void TsLogWindowOutput(std::u16string_view text);
 
 namespace ts {
 
+// One entry of a resource's error list: the line it concerns (its number in the editor's tree,
+// -1 for the resource as a whole) and what is wrong there.
+struct ErrorEntry {
+    std::int32_t line = -1;
+    std::u16string message;
+
+    bool operator==(const ErrorEntry&) const = default;
+};
+
+}  // namespace ts
+
+// Replaces the error list the host shows for `resource` ("NAME.TYPE") with `errors`; an empty
+// list clears it. Without a host user interface the list is dropped: the editor keeps its own.
+TS_API void TsReplaceError(std::u16string_view resource, const std::vector<ts::ErrorEntry>& errors);
+
+namespace ts {
+
 // What a host that can talk to the user provides: a Qt dialog in the desktop app, the terminal
 // in the command-line host, a script in tests.
 class TS_API HostUi {
@@ -61,6 +79,8 @@ public:
         return false;
     }
     virtual void LogOutput(std::u16string_view text);
+    virtual void ReplaceErrors(std::u16string_view /*resource*/,
+                               const std::vector<ErrorEntry>& /*errors*/) {}
 };
 
 // Installs `ui` (not owned; null removes it) and returns the one it replaces.
