@@ -67,8 +67,10 @@ void LineRules::CheckLine(const ConversationNode& node, std::vector<std::u16stri
     std::int32_t conditionFlag = -1, actionFlag = -1;
     if (line.GetConditionPlotURI(conditionPlot) && !conditionPlot.empty())
         line.GetConditionPlotFlag(conditionFlag);
-    if (line.GetActionPlotURI(actionPlot) && !actionPlot.empty()) line.GetActionPlotFlag(actionFlag);
-    if ((!conditionPlot.empty() && conditionFlag == -1) || (!actionPlot.empty() && actionFlag == -1))
+    if (line.GetActionPlotURI(actionPlot) && !actionPlot.empty())
+        line.GetActionPlotFlag(actionFlag);
+    if ((!conditionPlot.empty() && conditionFlag == -1) ||
+        (!actionPlot.empty() && actionFlag == -1))
         out.push_back(u"The line has plots with no plot flags selected");
     CheckPlotReference(u"Condition Plot", conditionPlot, conditionFlag, out);
     CheckPlotReference(u"Action Plot", actionPlot, actionFlag, out);
