@@ -6,6 +6,7 @@
 #include "core/host_events.h"
 #include "core/string_enum.h"
 #include "model/dlg_editor_settings.h"
+#include "model/editing/node_clipboard.h"
 #include "model/editor_commands.h"
 #include "model/known_tags.h"
 #include "model/plugin_events.h"
@@ -42,6 +43,7 @@ CConversationEditorWnd::CConversationEditorWnd(CTsWindowInterface<CConversationE
 
 CConversationEditorWnd::~CConversationEditorWnd() {
     ClearHistory();
+    dlg::NodeClipboard::Process().ForgetTree(document_.Tree());
     // The host lists the faults of open conversations only.
     if (IsLoaded()) TsReplaceError(DisplayName(), {});
 }
@@ -63,6 +65,11 @@ void CConversationEditorWnd::UndoHistoryChanged() {
 bool CConversationEditorWnd::Perform(std::unique_ptr<CTsUndoCommand> command) {
     if (!command || IsReadOnly() || !document_.IsLoaded()) return false;
     return AddCommand(std::move(command), true);
+}
+
+bool CConversationEditorWnd::PerformDone(std::unique_ptr<CTsUndoCommand> command) {
+    if (!command || IsReadOnly() || !document_.IsLoaded()) return false;
+    return AddCommand(std::move(command), false);
 }
 
 std::vector<TsCommandItem> CConversationEditorWnd::CommandList() const {

@@ -13,6 +13,7 @@
 #include "core/window_interface.h"
 #include "model/command_table.h"
 #include "model/conversation_document.h"
+#include "model/editing/vo_guard.h"
 #include "model/editor_view.h"
 #include "model/text_tags.h"
 #include "ts/guid.h"
@@ -96,6 +97,10 @@ public:
     // Runs a command of the open conversation through the undo stack; false for a read-only
     // editor, an editor with nothing loaded, or a command that failed.
     bool Perform(std::unique_ptr<CTsUndoCommand> command);
+    // Registers a command whose change is already made (a paste); undo takes it back.
+    bool PerformDone(std::unique_ptr<CTsUndoCommand> command);
+    // The questions that guard voice-over already sent, with what the user answered so far.
+    dlg::VoGuard& Vo() { return vo_; }
 
     void OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t param2, ITsResource* resource);
 
@@ -114,6 +119,7 @@ private:
     CTsWindowInterface<CConversationEditorWnd>* owner_;
     dlg::ConversationDocument document_;
     dlg::TextTagSet knownTags_;
+    dlg::VoGuard vo_;
     bool simpleView_ = false;
     // Set when the conversation was reloaded from unsaved changes, which no undo step records.
     bool unsavedBeforeHistory_ = false;
