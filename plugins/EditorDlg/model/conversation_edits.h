@@ -5,6 +5,7 @@
 
 #include "model/conversation_tree.h"
 #include "model/link_index.h"
+#include "model/numbering_tracker.h"
 
 namespace dlg {
 
@@ -28,7 +29,9 @@ public:
     virtual ~ConversationEditObserver() = default;
     // Fields of the item's line changed (change code as in LineChange).
     virtual void LineRefreshed(TreeItem /*item*/, int /*changeCode*/) {}
-    // Lines came, went or moved; the tree is numbered again.
+    // Lines came, went or moved; the tree is numbered again. Renumbered says how the numbers
+    // changed; every observer hears it before any hears StructureChanged.
+    virtual void Renumbered(const NumberingChange& /*change*/) {}
     virtual void StructureChanged() {}
     // An animation of the selected line's track changed.
     virtual void AnimationChanged(TreeItem /*item*/, std::uint32_t /*animation*/,
@@ -46,7 +49,9 @@ public:
     ConversationEdits(const ConversationEdits&) = delete;
     ConversationEdits& operator=(const ConversationEdits&) = delete;
 
-    void SetObserver(ConversationEditObserver* observer) { observer_ = observer; }
+    // Observers hear the edits in the order they were added; each is added once.
+    void AddObserver(ConversationEditObserver* observer);
+    void RemoveObserver(ConversationEditObserver* observer);
     ConversationTree& Tree() { return tree_; }
     const ConversationTree& Tree() const { return tree_; }
     const LinkIndex& Links() const { return links_; }
@@ -90,10 +95,13 @@ public:
 
 private:
     void Touch(TreeItem item) { touched_.push_back(item); }
+    template <class F>
+    void Notify(F&& tell);
 
     ConversationTree& tree_;
-    ConversationEditObserver* observer_ = nullptr;
+    std::vector<ConversationEditObserver*> observers_;
     LinkIndex links_;
+    NumberingTracker numbering_;
     int depth_ = 0;
     bool renumber_ = false;
     std::vector<TreeItem> touched_;   // items whose own label may change
