@@ -9,11 +9,13 @@
 #include "core/event_sink.h"
 #include "core/frame_wnd.h"
 #include "core/layout_support.h"
+#include "core/marker_source_support.h"
 #include "core/undo_support.h"
 #include "core/window_interface.h"
 #include "model/command_table.h"
 #include "model/conversation_document.h"
 #include "model/editor_view.h"
+#include "model/line_markers.h"
 #include "model/text_tags.h"
 #include "ts/guid.h"
 #include "ts/resource.h"
@@ -22,12 +24,14 @@
 #include "ts/uiwindow.h"
 
 // The conversation editor's window: the editor state the host reads and writes, the command
-// source identity, the layout places, the undo stack, and the event sink through which host
-// events reach it.
+// source identity, the layout places, the markers, the undo stack, and the event sink through
+// which host events reach it.
 class CConversationEditorWnd : public CTsFrameWnd,
                                public CTsEditorSupport<CConversationEditorWnd>,
                                public CTsEditorLayoutSupport<CConversationEditorWnd>,
                                public CTsUICommandSourceSupport<CConversationEditorWnd>,
+                               public CTsMarkerSourceSupport<CConversationEditorWnd,
+                                                             dlg::LineMarkers>,
                                public CTsUndoSupport<CConversationEditorWnd> {
 public:
     static constexpr CLSID kClassId = ts::Guid("{00AFAF9F-EBA6-4DD2-BE63-1B6C33076D02}");
@@ -99,9 +103,13 @@ public:
 
     void OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t param2, ITsResource* resource);
 
-private:
+    // ITsMarkerSource: selects the line a location text names (its first line) and keeps the
+    // location as the markers' selection, with its field and characters for find and replace.
+    // E_INVALIDARG when the text is malformed or names no line of the open conversation.
+    HRESULT GoToMarker(std::u16string_view location);
+
     // The editor object that answers the host for this window.
-    IUnknown* Owner() const;
+    IUnknown* EditorObject() const;
 
     TsWindowHandle parent_;
     CTsWindowInterface<CConversationEditorWnd>* owner_;
