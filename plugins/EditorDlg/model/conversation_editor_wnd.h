@@ -26,13 +26,13 @@
 // The conversation editor's window: the editor state the host reads and writes, the command
 // source identity, the layout places, the markers, the undo stack, and the event sink through
 // which host events reach it.
-class CConversationEditorWnd : public CTsFrameWnd,
-                               public CTsEditorSupport<CConversationEditorWnd>,
-                               public CTsEditorLayoutSupport<CConversationEditorWnd>,
-                               public CTsUICommandSourceSupport<CConversationEditorWnd>,
-                               public CTsMarkerSourceSupport<CConversationEditorWnd,
-                                                             dlg::LineMarkers>,
-                               public CTsUndoSupport<CConversationEditorWnd> {
+class CConversationEditorWnd
+    : public CTsFrameWnd,
+      public CTsEditorSupport<CConversationEditorWnd>,
+      public CTsEditorLayoutSupport<CConversationEditorWnd>,
+      public CTsUICommandSourceSupport<CConversationEditorWnd>,
+      public CTsMarkerSourceSupport<CConversationEditorWnd, dlg::LineMarkers>,
+      public CTsUndoSupport<CConversationEditorWnd> {
 public:
     static constexpr CLSID kClassId = ts::Guid("{00AFAF9F-EBA6-4DD2-BE63-1B6C33076D02}");
     static constexpr std::u16string_view kCommandSourceName = u"DLGEditor";
