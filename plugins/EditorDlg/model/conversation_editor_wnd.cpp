@@ -37,12 +37,20 @@ CConversationEditorWnd::CConversationEditorWnd(CTsWindowInterface<CConversationE
     dlg::LoadDlgEditorSettings();
     menus_ = dlg::BuildConversationEditorCommands(
         commands_, dlg::ReadMenuDescription(dlg::kConversationEditorMenus));
+    panes_ = std::make_unique<dlg::CSettingsDlg>(document_.Tree(), [this](int tab) {
+        return dlg::MakeLinePane(*this, tab);
+    });
+    document_.Tree().Items().SetSelectionFollower([this](dlg::TreeItem item) {
+        panes_->SetSelection(item != dlg::kNoItem && item == document_.Tree().RootItem(), item);
+    });
     view_ = dlg::MakeEditorView(document_.Tree().Items(), parent);
+    if (view_) view_->ShowPanes(*panes_);
     document_.Edits().AddObserver(&Markers());
     RefreshStateDisplay();
 }
 
 CConversationEditorWnd::~CConversationEditorWnd() {
+    document_.Tree().Items().SetSelectionFollower({});
     ClearHistory();
     document_.Edits().RemoveObserver(&Markers());
     dlg::NodeClipboard::Process().ForgetTree(document_.Tree());
@@ -127,6 +135,8 @@ HRESULT CConversationEditorWnd::LoadResource(IUnknown* resource) {
     // The history and the markers belong to the tree they were made on.
     ClearHistory();
     Markers().Clear();
+    // Nothing a pane shows of the old tree is written into the new one.
+    panes_->SetPaneApply(false);
     std::u16string error;
     if (!document_.Load(root.Get(), error)) {
         ts::SendHostEvent(ts::events::Error(), ts::events::kError, error);
@@ -139,6 +149,7 @@ HRESULT CConversationEditorWnd::LoadResource(IUnknown* resource) {
     dlg::ItemTree& items = document_.Tree().Items();
     items.Select(items.GetRootItem());
     items.Expand(items.GetRootItem(), true);
+    panes_->SetPaneApply(true);
 
     unsavedBeforeHistory_ = reloading && !resource && !IsReadOnly();
     SetModified(unsavedBeforeHistory_);

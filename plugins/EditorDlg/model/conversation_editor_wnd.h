@@ -17,6 +17,8 @@
 #include "model/editing/vo_guard.h"
 #include "model/editor_view.h"
 #include "model/line_markers.h"
+#include "model/panes/line_panes.h"
+#include "model/panes/settings_dlg.h"
 #include "model/text_tags.h"
 #include "ts/guid.h"
 #include "ts/resource.h"
@@ -71,6 +73,9 @@ public:
     // The markup tags line text may use: read from the module's tag table on each load, or given
     // by a host without a resource manager.
     void SetKnownTags(dlg::TextTagSet tags) { knownTags_ = std::move(tags); }
+    const dlg::TextTagSet& KnownTags() const { return knownTags_; }
+    // The pane host beside the tree; it follows the tree's selection.
+    dlg::CSettingsDlg& Panes() { return *panes_; }
     bool SimpleView() const { return simpleView_; }
     // "View.DialogEditor.SimpleView": returns the splitter's pane mode, 0 on and 2 off.
     int ToggleSimpleView();
@@ -134,6 +139,8 @@ private:
     bool unsavedBeforeHistory_ = false;
     dlg::CommandTable commands_;
     std::vector<dlg::CommandRecord*> menus_;
+    // Its panes refer to the document; the view shows it and goes first.
+    std::unique_ptr<dlg::CSettingsDlg> panes_;
     // After the document: the view follows its item tree and goes first.
     std::unique_ptr<dlg::EditorView> view_;
     CTsEventSinkConnection<CTsWindowInterface<CConversationEditorWnd>> events_;

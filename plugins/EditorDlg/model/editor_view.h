@@ -9,6 +9,8 @@
 
 namespace dlg {
 
+class CSettingsDlg;
+
 // What the editor window shows on screen. The window is plain C++ and drives its view only
 // through this interface; the Qt side of the plugin registers the factory that makes one, so
 // that the model never includes a widget header and runs without a screen in tests.
@@ -22,6 +24,8 @@ public:
     virtual void SetClipboardText(const std::u16string& text) = 0;
     // Whether the tree has the keyboard focus: Delete belongs to the tree only then.
     virtual bool TreeHasFocus() const = 0;
+    // Shows the pane host beside the tree; called once, after the view is made.
+    virtual void ShowPanes(CSettingsDlg& /*host*/) {}
 };
 
 // Makes the view of an editor window inside the host's frame `parent`, showing `items`.

@@ -383,6 +383,7 @@ void ItemTree::Select(TreeItem item) {
     TreeItem previous = selected_;
     selected_ = item;
     if (observer_) observer_->SelectionChanged(previous, item);
+    if (selectionFollower_) selectionFollower_(item);
 }
 
 void ItemTree::EnsureVisible(TreeItem item) {

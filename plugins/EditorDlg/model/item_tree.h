@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -61,6 +62,11 @@ public:
     ItemTree& operator=(const ItemTree&) = delete;
 
     void SetObserver(ItemTreeObserver* observer) { observer_ = observer; }
+    // Told of every selection change after the observer (the pane host follows the selection
+    // whether or not a view observes the tree).
+    void SetSelectionFollower(std::function<void(TreeItem current)> follower) {
+        selectionFollower_ = std::move(follower);
+    }
 
     // Inserts under `parent` (kNoItem: top level) after `after` (a child of parent, or
     // kInsertFirst / kInsertLast). Returns kNoItem when parent or after is not valid.
@@ -153,6 +159,7 @@ private:
     bool redraw_ = true;
     int batch_ = 0;
     ItemTreeObserver* observer_ = nullptr;
+    std::function<void(TreeItem)> selectionFollower_;
 };
 
 // Owns a detached subtree of an item tree: destroys it when dropped, unless it has been attached

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "model/item_tree.h"
+
+namespace dlg {
+
+// One property pane of the pane host, in its plain C++ half: which fields it edits, its apply
+// rules, messages and undo commands. The Qt half only shows and reads its controls.
+class LinePane {
+public:
+    // Applying every control at once.
+    static constexpr int kAllControls = 0;
+
+    virtual ~LinePane() = default;
+    // The conversation root (`root`), one line (`item`), or nothing (neither): an empty selection
+    // clears and disables the pane's controls.
+    virtual void SetSelection(bool root, TreeItem item) = 0;
+    // Writes what control `control` shows (kAllControls: every control) to the selected node when
+    // it differs from the stored value; `messages` allows message boxes. True when something was
+    // written.
+    virtual bool Apply(int control, bool messages) = 0;
+    // Whether a find-and-replace field (a LineProperty number) is edited in this pane.
+    virtual bool OwnsField(int /*field*/) const { return false; }
+};
+
+}  // namespace dlg
