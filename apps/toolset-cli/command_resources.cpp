@@ -6,6 +6,7 @@
 #include "cli.h"
 #include "output_file.h"
 #include "ts/format.h"
+#include "ts/linestrings.h"
 #include "ts/resourcecodec.h"
 #include "ts/resourcejson.h"
 #include "ts/text.h"
@@ -99,10 +100,16 @@ int Import(const Arguments& args) {
         return Fail(ts::Format(
             u"the module already has the resource \"%ls\" (%ls); use --replace to save over it",
             existing.name, existing.type));
+    // The texts of the lines go into the module's string table with the resource, as module
+    // create stores them, so that their string ids are known to the store.
+    ts::StoreBatch batch(*store);
+    if (!batch.Started()) return Fail(batch.Started().message);
     r = exists
             ? store->SaveResource(doc.name, doc.type, bytes, ts::kAnyVersion, ts::CurrentUserName())
             : store->CreateResource(doc.name, doc.type, bytes, ts::CurrentUserName());
     if (!r) return Fail(r.message);
+    if (r = ts::StoreLineStrings(*store, doc.root.Get()); !r) return Fail(r.message);
+    if (r = batch.Commit(); !r) return Fail(r.message);
     Print(ts::Format(u"%ls %ls.%ls (%lu bytes).", exists ? u"Replaced" : u"Imported", doc.name,
                      doc.type, bytes.size()));
     return kOk;

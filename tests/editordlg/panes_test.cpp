@@ -376,6 +376,58 @@ TEST_F(Panes, ALineWithoutAnIdOrSharingOneGetsAFreshIdAndAFailingServiceWritesNo
     OpenModule();
 }
 
+TEST_F(Panes, ALineCopiedIntoAnotherConversationGetsItsOwnIdAndSavingStoresTheText) {
+    CConversationEditorWnd& orla = Open(u"orla_welcome");
+    CConversationEditorWnd& brannoc = Open(u"brannoc_caravan");
+    TreeItem goodbye = Line(orla, u"Goodbye.");
+    orla.Document().Tree().Items().Select(goodbye);
+    ASSERT_TRUE(dlg::CopySelection(orla));
+    brannoc.Document().Tree().Items().Select(Line(brannoc, u"Then drink your ale"));
+    ASSERT_TRUE(dlg::PasteClipboard(brannoc));
+    TreeItem copy = Line(brannoc, u"Goodbye.");
+    ASSERT_EQ(Field<std::int32_t>(brannoc, copy, u"StringID"), 1107);
+    auto save = [&](CConversationEditorWnd& w, std::u16string_view name) {
+        CTsComPtr<ITsResource> resource;
+        ASSERT_EQ(manager_->OpenResource(name, u"dlg", resource.Put()), S_OK);
+        ASSERT_EQ(w.GetContent(resource.Get()), S_OK);
+        ASSERT_EQ(manager_->SaveResource(resource.Get()), S_OK);
+    };
+    save(brannoc, u"brannoc_caravan");
+
+    // The stored brannoc_caravan uses 1107 too: whichever line changes first gets a new id.
+    orla.Document().Tree().Items().Select(goodbye);
+    CTextDlg& orlaPane = Dialogue(orla);
+    orlaPane.Controls().text = u"Goodbye, Orla.";
+    ASSERT_TRUE(orlaPane.Apply(CTextDlg::kText, true));
+    std::int32_t orlaId = Field<std::int32_t>(orla, goodbye, u"StringID");
+    EXPECT_NE(orlaId, 1107);
+
+    brannoc.Document().Tree().Items().Select(copy);
+    CTextDlg& brannocPane = Dialogue(brannoc);
+    brannocPane.Controls().text = u"Farewell, Brannoc.";
+    ASSERT_TRUE(brannocPane.Apply(CTextDlg::kText, true));
+    std::int32_t brannocId = Field<std::int32_t>(brannoc, copy, u"StringID");
+    EXPECT_NE(brannocId, 1107);
+    EXPECT_NE(brannocId, orlaId);
+
+    // A line whose id no other conversation uses keeps it.
+    TreeItem own = Line(brannoc, u"Forty crowns.");
+    brannoc.Document().Tree().Items().Select(own);
+    brannocPane.Controls().text = u"Fifty crowns.";
+    ASSERT_TRUE(brannocPane.Apply(CTextDlg::kText, true));
+    EXPECT_EQ(Field<std::int32_t>(brannoc, own, u"StringID"), 2004);
+
+    // Saving puts the lines' texts into the module's string table under their ids.
+    save(brannoc, u"brannoc_caravan");
+    char16_t* text = nullptr;
+    ASSERT_EQ(manager_->GetString(brannocId, 0, &text), S_OK);
+    EXPECT_EQ(std::u16string(text), u"Farewell, Brannoc.");
+    TsFreeString(text);
+    ASSERT_EQ(manager_->GetString(2004, 0, &text), S_OK);
+    EXPECT_EQ(std::u16string(text), u"Fifty crowns.");
+    TsFreeString(text);
+}
+
 TEST_F(Panes, ControlsApplyWhenTheSelectionMovesOnWithoutMovingItBack) {
     CConversationEditorWnd& w = Open(u"orla_welcome");
     dlg::ItemTree& items = w.Document().Tree().Items();

@@ -1,9 +1,14 @@
+#include <algorithm>
+#include <map>
+
 #include "ts/comobject.h"
 #include "ts/format.h"
 #include "ts/hoststring.h"
+#include "ts/linestrings.h"
 #include "ts/report.h"
 #include "ts/resourcecodec.h"
 #include "ts/resourcemanager.h"
+#include "ts/text.h"
 
 namespace ts {
 
@@ -169,9 +174,14 @@ public:
         if (!EncodeResource(root.Get(), bytes, &error))
             return Fail(E_INVALIDARG, Format(u"The resource \"%ls\" (%ls) cannot be saved: %ls",
                                              own->Name(), own->Type(), error));
+        // The string table follows the texts of the resource's lines, in the same change.
+        StoreBatch batch(*store_);
+        if (!batch.Started()) return Fail(batch.Started());
         if (auto r = store_->SaveResource(own->Name(), own->Type(), bytes, own->Version(), user_);
             !r)
             return Fail(r);
+        if (auto r = StoreLineStrings(*store_, root.Get()); !r) return Fail(r);
+        if (auto r = batch.Commit(); !r) return Fail(r);
         own->SetVersion(own->Version() + 1);
         return S_OK;
     }
@@ -215,6 +225,21 @@ public:
 
     HRESULT ValidateStringId(std::int32_t current, std::int32_t* valid) override {
         if (!valid) return E_POINTER;
+        return Done(store_->ValidateStringId(current, *valid));
+    }
+
+    HRESULT ValidateLineStringId(std::u16string_view resource, std::int32_t current,
+                                 std::int32_t* valid) override {
+        if (!valid) return E_POINTER;
+        if (current >= 0) {
+            if (auto r = RefreshStringUsers(); !r) return Fail(r);
+            std::u16string self = AsciiLower(resource);
+            for (const auto& [name, used] : stringUsers_)
+                if (name != self && std::binary_search(used.ids.begin(), used.ids.end(), current)) {
+                    current = -1;
+                    break;
+                }
+        }
         return Done(store_->ValidateStringId(current, *valid));
     }
 
@@ -283,9 +308,50 @@ private:
         return S_OK;
     }
 
+    // Brings the string ids used by each conversation of the module up to date: only those
+    // saved since the last look (by this program or another) are read again.
+    StoreResult RefreshStringUsers() {
+        std::vector<ResourceInfo> list;
+        if (auto r = store_->ListResources(u"dlg", list); !r) return r;
+        std::map<std::u16string, StringUsers> fresh;
+        for (const ResourceInfo& info : list) {
+            std::u16string key = AsciiLower(info.name + u"." + info.type);
+            auto known = stringUsers_.find(key);
+            if (known != stringUsers_.end() && known->second.version == info.version) {
+                fresh.emplace(key, std::move(known->second));
+                continue;
+            }
+            StringUsers users{info.version, {}};
+            std::vector<std::uint8_t> bytes;
+            CTsComPtr<ITsProperty> root;
+            std::u16string error;
+            if (auto r = store_->ReadResource(info.name, info.type, bytes); !r) return r;
+            // A damaged conversation holds no ids anyone can edit; check reports it.
+            if (!DecodeResource(bytes, root, &error)) {
+                Report(ReportLevel::Warning, "ResMan", __LINE__,
+                       Format(u"The resource \"%ls\" (%ls) cannot be read: %ls", info.name,
+                              info.type, error));
+            } else {
+                std::vector<LineString> strings;
+                CollectLineStrings(root.Get(), strings);
+                for (const LineString& line : strings) users.ids.push_back(line.stringId);
+                std::sort(users.ids.begin(), users.ids.end());
+            }
+            fresh.emplace(key, std::move(users));
+        }
+        stringUsers_ = std::move(fresh);
+        return StoreResult::Success();
+    }
+
+    struct StringUsers {
+        std::int32_t version = 0;
+        std::vector<std::int32_t> ids;  // sorted
+    };
+
     std::shared_ptr<ResourceStore> store_;
     std::u16string user_;
     std::u16string lastError_;
+    std::map<std::u16string, StringUsers> stringUsers_;
 };
 
 }  // namespace

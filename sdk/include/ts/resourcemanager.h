@@ -64,6 +64,11 @@ struct ITsResourceManager : IUnknown {
 
     // The string service: keeps a valid id, issues a new one for -1, fails for any other.
     virtual HRESULT ValidateStringId(std::int32_t current, std::int32_t* valid) = 0;
+    // The id for a line of `resource` ("NAME.TYPE") whose text changes: a line without one (-1),
+    // or whose id a line of another conversation of the module uses (a copied line), gets a new
+    // id; otherwise as ValidateStringId.
+    virtual HRESULT ValidateLineStringId(std::u16string_view resource, std::int32_t current,
+                                         std::int32_t* valid) = 0;
     virtual HRESULT GetString(std::int32_t stringId, std::int32_t language, char16_t** text) = 0;
     virtual HRESULT SetString(std::int32_t stringId, std::int32_t language,
                               std::u16string_view text) = 0;

@@ -332,7 +332,8 @@ bool CTextDlg::ApplyText(bool messages) {
 
     std::int32_t id = -1;
     shown.line.GetStringID(id);
-    // A line copied from another keeps its string id; its own text needs an id of its own.
+    // A line copied from another keeps its string id; its own text needs an id of its own. The
+    // copies in this conversation are found here (the stored one may be older).
     if (id >= 0) {
         const ItemTree& items = window_.Document().Tree().Items();
         for (TreeItem i = window_.Document().Tree().RootItem(); i != kNoItem;
@@ -349,7 +350,8 @@ bool CTextDlg::ApplyText(bool messages) {
     }
     CTsComPtr<ITsResourceManager> manager = ResourceManager();
     std::int32_t valid = -1;
-    if (!manager || FAILED(manager->ValidateStringId(id, &valid))) {
+    // The module's other conversations may hold a copy of this line under the same id.
+    if (!manager || FAILED(manager->ValidateLineStringId(window_.DisplayName(), id, &valid))) {
         TsLogWindowOutput(kStringIdFailed);
         return false;
     }
