@@ -5,11 +5,16 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QFile>
+#include <QFocusEvent>
 #include <QImage>
+#include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QSplitter>
 #include <QTabWidget>
 #include <QTreeView>
@@ -138,12 +143,16 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     EXPECT_TRUE(window.OpenResource(QStringLiteral("ORLA_WELCOME.dlg")));
     EXPECT_EQ(window.EditorCount(), 1);
 
-    // The editor's window sits in the tab: the splitter, the tree and the (empty) panes.
+    // The editor's window sits in the tab: the splitter, the tree and the panes, which offer
+    // the root's tabs (their panes come later: empty, disabled pages).
     auto* splitter = window.ActiveEditor()->findChild<QSplitter*>(QStringLiteral("WindowSplitter"));
     ASSERT_NE(splitter, nullptr);
     auto* panes = splitter->findChild<QTabWidget*>(QStringLiteral("LinePanes"));
     ASSERT_NE(panes, nullptr);
-    EXPECT_EQ(panes->count(), 0);
+    ASSERT_EQ(panes->count(), 4);
+    EXPECT_EQ(panes->tabText(0), QStringLiteral("Global Settings"));
+    EXPECT_EQ(panes->tabText(3), QStringLiteral("Preview"));
+    EXPECT_FALSE(panes->currentWidget()->isEnabled());
     QTreeView& tree = Tree();
     QAbstractItemModel& model = *tree.model();
 
@@ -340,6 +349,7 @@ TEST_F(ToolsetWindow, UndoAndRedoFollowTheEditorsHistoryAndItsSavePoint) {
     // Undone twice, as the menu does: the tree as it was, and unmodified again.
     undo.trigger();
     undo.trigger();
+    window.RefreshState();
     EXPECT_EQ(Texts(model), opened);
     EXPECT_FALSE(undo.isEnabled());
     EXPECT_EQ(undo.text(), QStringLiteral("&Undo"));
@@ -395,3 +405,61 @@ TEST(ToolsetLayout, TheWindowComesBackWhereTheUserLeftIt) {
 }
 
 }  // namespace
+
+// A writer picks a line, types a new text and speaker in the Dialogue tab, and takes both back
+// from the Edit menu.
+TEST_F(ToolsetWindow, TheDialogueTabWritesTextAndSpeakerAndTheEditMenuUndoesThem) {
+    ts::test::ScriptedUi ui;
+    window.show();
+    ASSERT_TRUE(window.OpenModule(QString::fromStdString(CopyOfDemo("textpane"))));
+    ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
+    QTreeView& tree = Tree();
+    QAbstractItemModel& model = *tree.model();
+    const QStringList opened = Texts(model);
+    tree.setCurrentIndex(Find(model, QStringLiteral("[[OWNER]] It floods twice")));
+
+    auto* panes = window.ActiveEditor()->findChild<QTabWidget*>(QStringLiteral("LinePanes"));
+    ASSERT_NE(panes, nullptr);
+    ASSERT_EQ(panes->count(), 7);
+    EXPECT_EQ(panes->tabText(panes->currentIndex()), QStringLiteral("Dialogue"));
+    auto* text = panes->findChild<QPlainTextEdit*>(QStringLiteral("LineText"));
+    auto* speaker = panes->findChild<QComboBox*>(QStringLiteral("Speaker"));
+    auto* vo = panes->findChild<QLabel*>(QStringLiteral("VoStatus"));
+    ASSERT_TRUE(text && speaker && vo);
+    EXPECT_TRUE(text->isEnabled());
+    EXPECT_TRUE(text->toPlainText().startsWith(QStringLiteral("It floods twice a year")));
+    EXPECT_EQ(speaker->currentText(), QStringLiteral("(default)"));
+    EXPECT_EQ(vo->text(), QStringLiteral("Not VO Recorded yet."));
+    EXPECT_NE(panes->findChild<QSplitter*>(QStringLiteral("TextSplitter")), nullptr);
+
+    // Typed, then the focus leaves each control: one undo step each.
+    auto leave = [](QWidget* control) {
+        QFocusEvent out(QEvent::FocusOut);
+        QApplication::sendEvent(control, &out);
+    };
+    text->setPlainText(QStringLiteral("It floods in <i>spring</i>, and the roof sings."));
+    leave(text);
+    speaker->setEditText(QStringLiteral("Harbour_Guard"));
+    leave(speaker->lineEdit());
+    QAction& undo = *window.UndoAction();
+    // The toolset names the command on its state timer, as when the writer opens the menu.
+    window.RefreshState();
+    EXPECT_EQ(undo.text(), QStringLiteral("&Undo Speaker Change"));
+    QModelIndex line = Find(model, QStringLiteral("[harbour_guard] It floods in"));
+    ASSERT_TRUE(line.isValid()) << Texts(model).join('\n').toStdString();
+    EXPECT_EQ(speaker->currentText(), QStringLiteral("harbour_guard"));
+    QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_text_pane.png");
+    QFile::remove(shot);
+    ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
+
+    undo.trigger();
+    window.RefreshState();
+    EXPECT_EQ(undo.text(), QStringLiteral("&Undo Text Change"));
+    EXPECT_EQ(speaker->currentText(), QStringLiteral("(default)"));
+    undo.trigger();
+    window.RefreshState();
+    EXPECT_EQ(Texts(model), opened);
+    EXPECT_TRUE(text->toPlainText().startsWith(QStringLiteral("It floods twice a year")));
+    EXPECT_FALSE(undo.isEnabled());
+}

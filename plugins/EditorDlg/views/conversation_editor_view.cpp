@@ -8,6 +8,7 @@
 #include <QTabWidget>
 
 #include "model/conversation_editor_wnd.h"
+#include "views/pane_host_widget.h"
 
 namespace dlg {
 
@@ -27,6 +28,9 @@ public:
             clipboard->setText(QString::fromStdU16String(text));
     }
     bool TreeHasFocus() const override { return widget_ && widget_->Tree().hasFocus(); }
+    void ShowPanes(CSettingsDlg& host) override {
+        if (widget_) widget_->ShowPanes(host);
+    }
 
 private:
     QPointer<ConversationEditorView> widget_;
@@ -56,6 +60,10 @@ ConversationEditorView::ConversationEditorView(ItemTree& items, QWidget* parent)
     setStretchFactor(0, 3);
     setStretchFactor(1, 2);
     setSizes({640, 360});
+}
+
+void ConversationEditorView::ShowPanes(CSettingsDlg& host) {
+    new PaneHostWidget(host, *panes_);
 }
 
 void ConversationEditorView::SetPaneMode(int mode) {

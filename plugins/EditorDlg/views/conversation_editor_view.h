@@ -11,7 +11,7 @@ class QTabWidget;
 namespace dlg {
 
 // The conversation editor on screen: the splitter "WindowSplitter" between the tree and the
-// line panes (an empty tab strip until the panes come).
+// line panes.
 class ConversationEditorView : public QSplitter {
     Q_OBJECT
 public:
@@ -21,6 +21,8 @@ public:
     QTabWidget& Panes() const { return *panes_; }
     // 0: the tree alone; 2: the tree and the panes.
     void SetPaneMode(int mode);
+    // Shows the editor's pane host in the tab widget.
+    void ShowPanes(CSettingsDlg& host);
 
 private:
     ItemTreeModel* model_;

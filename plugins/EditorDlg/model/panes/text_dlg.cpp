@@ -130,8 +130,8 @@ void CTextDlg::Fill() {
         line.GetFastPath(values_.fastPath);
     }
     FillStatus();
-    ++generation_;
     filling_ = false;
+    Announce();
 }
 
 void CTextDlg::FillStatus() {
@@ -157,6 +157,11 @@ void CTextDlg::FillStatus() {
         translationStatus_ = StatusText(localization.exportedOn, localization.requiresReTranslation,
                                         u"Sent for translation on %ls.",
                                         u"Requires re-translation.", u"Not translated yet.");
+}
+
+void CTextDlg::Announce() {
+    ++generation_;
+    if (onShow_) onShow_();
 }
 
 bool CTextDlg::TakeRefreshRequest() {
@@ -326,7 +331,7 @@ bool CTextDlg::ApplyText(bool messages) {
     shown.line.GetTextRequiresReRecording(reRecord);
     if (!reRecord && !window_.Vo().MayChangeText(shown)) {
         values_.text = stored;
-        ++generation_;
+        Announce();
         return false;
     }
 
@@ -378,7 +383,7 @@ bool CTextDlg::ApplyText(bool messages) {
     values_.reTranslation = true;
     values_.reRecord = true;
     refreshRequested_ = true;
-    ++generation_;
+    Announce();
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -90,8 +91,10 @@ public:
     // Set when a text change asks the view to refresh the pane shortly after (500 ms), then
     // cleared by the view taking it.
     bool TakeRefreshRequest();
-    // Counts fills, so that the Qt half knows when to read the controls again.
+    // Counts the times the pane changed what its controls show (a fill, a text put back), and
+    // tells the Qt half to show the values again.
     std::uint64_t Generation() const { return generation_; }
+    void SetOnShow(std::function<void()> onShow) { onShow_ = std::move(onShow); }
 
     // Fills the controls and the status texts from the stored line again.
     void Fill();
@@ -108,6 +111,7 @@ private:
                      int changeCode, CValueCacheAccessor* table);
     bool Write(std::u16string label, std::u16string_view field, variant value, int changeCode);
     void FillStatus();
+    void Announce();
 
     CConversationEditorWnd& window_;
     CValueCache& cache_;
@@ -122,6 +126,7 @@ private:
     bool selectOnWrite_ = true;
     bool refreshRequested_ = false;
     std::uint64_t generation_ = 0;
+    std::function<void()> onShow_;
     std::u16string voStatus_;
     bool voSent_ = false;
     std::u16string translationStatus_;
