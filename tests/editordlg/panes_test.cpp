@@ -328,6 +328,12 @@ TEST_F(Panes, ChangingTheTextAsksAboutVoiceOverOnceAndUndoesInOneStep) {
     EXPECT_TRUE(pane.Apply(CTextDlg::kText, true));
     EXPECT_EQ(ui_.shown().size(), 2u);
     EXPECT_EQ(pane.VoStatus(), u"Sent for VO Recording on 2024-03-11.  Requires re-recording.");
+    // Nor does one whose recording status already asks for a new recording.
+    pane.Controls().reRecord = false;
+    ASSERT_TRUE(pane.Apply(CTextDlg::kReRecord, true));
+    pane.Controls().text = u"The lighthouse is dark again.";
+    EXPECT_TRUE(pane.Apply(CTextDlg::kText, true));
+    EXPECT_EQ(ui_.shown().size(), 2u);
 
     // Malformed markup is refused with the pane's message and stays in the control.
     pane.Controls().text = u"The <i>lighthouse is dark.";

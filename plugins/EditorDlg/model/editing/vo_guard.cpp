@@ -22,6 +22,10 @@ std::int32_t StringIdOf(const ConversationNode& node) {
 }  // namespace
 
 bool VoGuard::IsSent(std::int32_t stringId) {
+    return Sent(stringId, nullptr);
+}
+
+bool VoGuard::Sent(std::int32_t stringId, bool* reRecordPending) {
     if (stringId < 0 || noQuestion_.count(stringId)) return false;
     CTsComPtr<ITsResourceManager> manager;
     ts::VORecordingStatus status;
@@ -30,12 +34,15 @@ bool VoGuard::IsSent(std::int32_t stringId) {
                 manager->GetVORecordingStatus(stringId, &status) == S_OK &&
                 status.sentForRecordingOn != 0;
     if (!sent) noQuestion_.insert(stringId);
+    if (reRecordPending) *reRecordPending = sent && status.requiresReRecording;
     return sent;
 }
 
 bool VoGuard::MayChangeText(const ConversationNode& line) {
     std::int32_t id = StringIdOf(line.Shown());
-    if (!IsSent(id)) return true;
+    // A recording already due to be made again loses nothing more by another change.
+    bool reRecordPending = false;
+    if (!Sent(id, &reRecordPending) || reRecordPending) return true;
     if (!AskYesNo(kLineQuestion)) return false;
     noQuestion_.insert(id);
     return true;

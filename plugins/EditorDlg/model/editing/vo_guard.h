@@ -30,6 +30,10 @@ public:
     bool IsSent(std::int32_t stringId);
 
 private:
+    // Whether the string was sent; `reRecordPending` (when given) whether its record already
+    // asks for it to be recorded again.
+    bool Sent(std::int32_t stringId, bool* reRecordPending);
+
     std::unordered_set<std::int32_t> noQuestion_;
 };
 
