@@ -11,6 +11,7 @@
 #include "core/window_interface.h"
 #include "model/conversation_editor_wnd.h"
 #include "model/editing/tree_edits.h"
+#include "model/panes/text_dlg.h"
 #include "model/tree_view_commands.h"
 #include "model/undo/undo_command_add_remove_nodes.h"
 #include "model/undo/undo_command_modify_node.h"
@@ -20,6 +21,7 @@
 #include "ts/comobject.h"
 #include "ts/hostcomponents.h"
 #include "ts/hoststring.h"
+#include "ts/resourcemanager.h"
 #include "ts/searchresults.h"
 #include "views/conversation_editor_view.h"
 
@@ -337,6 +339,48 @@ void BM_FindLinks(benchmark::State& state) {
     TsRegisterHostComponent(kTsSearchResultsName, nullptr);
 }
 BENCHMARK(BM_FindLinks)->Apply(Sizes);
+
+// The pane host with the Dialogue tab on screen: another line selected, its controls filled.
+void BM_SelectLineWithPanes(benchmark::State& state) {
+    Editor e(int(state.range(0)));
+    TreeItem first = e.LineOfKind(true, std::int32_t(e.Tree().NodeCount() / 2));
+    TreeItem second = e.LineOfKind(true, e.Edits().IndexOf(first) + 1);
+    e.Select(first);
+    e.window->Panes().SelectTab(kTabDialogue);
+    e.Settle();
+    int n = 0;
+    for (auto _ : state) {
+        e.Select(n++ % 2 ? first : second);
+        e.Settle();
+    }
+}
+BENCHMARK(BM_SelectLineWithPanes)->Apply(Sizes);
+
+// A text typed in the Dialogue tab and applied: the voice-over check, the string service, the
+// "Text Change" group, revalidation, the tree's label and the pane shown again.
+void BM_TextChangeInPane(benchmark::State& state) {
+    Editor e(int(state.range(0)));
+    TreeItem item = e.LineOfKind(true, std::int32_t(e.Tree().NodeCount() / 2));
+    e.Select(item);
+    e.window->Panes().SelectTab(kTabDialogue);
+    auto& pane = *static_cast<CTextDlg*>(e.window->Panes().Pane(kTabDialogue));
+    // The module knows the line's string id, as it knows the ids of every stored line.
+    std::int32_t id = -1;
+    e.Tree().NodeOf(item)->line.GetStringID(id);
+    CTsComPtr<ITsResourceManager> manager;
+    if (FAILED(TsGetHostComponent(kTsResourceManagerName, ITsResourceManager::kIID,
+                                  manager.PutVoid())) ||
+        FAILED(manager->SetString(id, 0, u"generated")))
+        std::abort();
+    e.Settle();
+    int n = 0;
+    for (auto _ : state) {
+        pane.Controls().text = u"Edited line " + std::u16string(1, char16_t(u'A' + n++ % 26));
+        if (!pane.Apply(CTextDlg::kText, true)) std::abort();
+        e.Settle();
+    }
+}
+BENCHMARK(BM_TextChangeInPane)->Apply(Sizes);
 
 }  // namespace
 

@@ -447,6 +447,31 @@ TEST_F(Panes, ControlsApplyWhenTheSelectionMovesOnWithoutMovingItBack) {
     EXPECT_TRUE(Field<bool>(w, first, u"NoVOInGame"));
     EXPECT_EQ(pane.Item(), second);
     EXPECT_FALSE(pane.Controls().noVoInGame);
+
+    // An undo that selects another line runs alone: what the pane holds is not applied then.
+    items.Select(first);
+    pane.Controls().noVoInGame = false;
+    ASSERT_TRUE(pane.Apply(CTextDlg::kNoVoInGame, true));
+    ASSERT_EQ(w.UndoCount(), 2u);
+    items.Select(second);
+    pane.Controls().narration = true;
+    ASSERT_TRUE(w.Undo());
+    EXPECT_EQ(items.GetSelection(), first);
+    EXPECT_EQ(w.UndoCount(), 1u);
+    EXPECT_EQ(w.RedoCount(), 1u);
+    EXPECT_FALSE(Field<bool>(w, second, u"Narration"));
+    EXPECT_TRUE(Field<bool>(w, first, u"NoVOInGame"));
+
+    // A line deleted while shown leaves the pane; what it held is not written anywhere.
+    TreeItem leaf = Line(w, u"Goodbye.");
+    items.Select(leaf);
+    pane.Controls().narration = true;
+    ui_.Answer(IDYES);
+    ASSERT_TRUE(dlg::DeleteSelection(w));
+    EXPECT_NE(pane.Item(), leaf);
+    EXPECT_EQ(w.UndoCommandAt(0)->Label(), u"Delete Line");
+    ASSERT_TRUE(w.Undo());
+    EXPECT_FALSE(Field<bool>(w, leaf, u"Narration"));
 }
 
 TEST(PaneDates, DayCountsReadAsCalendarDates) {

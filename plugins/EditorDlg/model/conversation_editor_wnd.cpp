@@ -64,6 +64,7 @@ void CConversationEditorWnd::PublishErrors(bool always) {
 }
 
 void CConversationEditorWnd::UndoEnd(int, bool) {
+    undoRunning_ = false;
     UndoHistoryChanged();
     PublishErrors(false);
 }

@@ -101,7 +101,11 @@ public:
     void RefreshStateDisplay();
 
     // The undo stack's news: the modified state follows the stack's saved position.
+    void UndoBegin(int) { undoRunning_ = true; }
     void UndoEnd(int direction, bool added);
+    // While the stack runs, undoes or redoes a command (which may move the selection), panes
+    // must not start commands of their own.
+    bool UndoRunning() const { return undoRunning_; }
     void UndoHistoryChanged();
     // Runs a command of the open conversation through the undo stack; false for a read-only
     // editor, an editor with nothing loaded, or a command that failed.
@@ -135,6 +139,7 @@ private:
     dlg::TextTagSet knownTags_;
     dlg::VoGuard vo_;
     bool simpleView_ = false;
+    bool undoRunning_ = false;
     // Set when the conversation was reloaded from unsaved changes, which no undo step records.
     bool unsavedBeforeHistory_ = false;
     dlg::CommandTable commands_;

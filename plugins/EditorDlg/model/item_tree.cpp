@@ -155,6 +155,7 @@ bool ItemTree::DeleteItem(TreeItem handle) {
         if (selected_ != previouslySelected)
             observer_->SelectionChanged(previouslySelected, selected_);
     }
+    if (selectionFollower_ && selected_ != previouslySelected) selectionFollower_(selected_);
     return true;
 }
 
@@ -175,6 +176,7 @@ bool ItemTree::Detach(TreeItem handle) {
         if (selected_ != previouslySelected)
             observer_->SelectionChanged(previouslySelected, selected_);
     }
+    if (selectionFollower_ && selected_ != previouslySelected) selectionFollower_(selected_);
     return true;
 }
 
@@ -207,6 +209,7 @@ void ItemTree::DeleteAllItems() {
         observer_->AfterReset();
         if (previouslySelected != kNoItem) observer_->SelectionChanged(previouslySelected, kNoItem);
     }
+    if (selectionFollower_ && previouslySelected != kNoItem) selectionFollower_(kNoItem);
 }
 
 bool ItemTree::IsInSubtree(TreeItem item, TreeItem ancestor) const {

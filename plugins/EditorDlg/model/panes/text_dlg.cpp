@@ -90,7 +90,9 @@ void CTextDlg::LineRefreshed(TreeItem item, int) {
 }
 
 ConversationNode* CTextDlg::Node() const {
-    return item_ == kNoItem ? nullptr : window_.Document().Tree().NodeOf(item_);
+    // A line taken out of the tree (deleted, or reloaded away) is no longer edited here.
+    const ConversationTree& tree = window_.Document().Tree();
+    return item_ == kNoItem || !tree.Items().IsInTree(item_) ? nullptr : tree.NodeOf(item_);
 }
 
 bool CTextDlg::IsPlayerLine() const {
@@ -101,7 +103,7 @@ bool CTextDlg::IsPlayerLine() const {
 void CTextDlg::SetSelection(bool root, TreeItem item) {
     TreeItem next = root ? kNoItem : item;
     if (!window_.Document().Tree().NodeOf(next)) next = kNoItem;
-    if (item_ != kNoItem && next != item_ && Node()) {
+    if (item_ != kNoItem && next != item_ && Node() && !window_.UndoRunning()) {
         selectOnWrite_ = false;
         Apply(kAllControls, false);
         selectOnWrite_ = true;
