@@ -371,6 +371,27 @@ TEST_F(Panes, ALineWithoutAnIdOrSharingOneGetsAFreshIdAndAFailingServiceWritesNo
     EXPECT_TRUE(pane.Apply(CTextDlg::kText, true));
     EXPECT_GT(Field<std::int32_t>(w, other, u"StringID"), issued);
 
+    // A copy pasted within the conversation: the first of the two edited gets a new id, and the
+    // other then keeps its own.
+    TreeItem original = Line(w, u"Not tonight.");
+    items.Select(original);
+    ASSERT_TRUE(dlg::CopySelection(w));
+    items.Select(Line(w, u"Storm's coming"));
+    ASSERT_TRUE(dlg::PasteClipboard(w));
+    TreeItem pasted = Find(w, [&](const dlg::ConversationNode& n) {
+        std::u16string text;
+        n.line.GetText(text);
+        return !n.isLink && n.treeItem != original && text == u"Not tonight.";
+    });
+    items.Select(pasted);
+    pane.Controls().text = u"Not tonight, Orla.";
+    EXPECT_TRUE(pane.Apply(CTextDlg::kText, true));
+    EXPECT_NE(Field<std::int32_t>(w, pasted, u"StringID"), 1106);
+    items.Select(original);
+    pane.Controls().text = u"Not tonight, thank you.";
+    EXPECT_TRUE(pane.Apply(CTextDlg::kText, true));
+    EXPECT_EQ(Field<std::int32_t>(w, original, u"StringID"), 1106);
+
     // Without the string service the text is not written; the control keeps it.
     CloseModule();
     std::size_t depth = w.UndoCount();

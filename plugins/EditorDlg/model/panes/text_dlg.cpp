@@ -83,9 +83,10 @@ CTextDlg::~CTextDlg() {
 }
 
 void CTextDlg::LineRefreshed(TreeItem item, int) {
+    const ConversationNode* changed = window_.Document().Tree().NodeOf(item);
+    if (changed) stringIds_.LineChanged(window_.Document().Tree(), *changed);
     if (writing_ || filling_) return;
     const ConversationNode* shown = Node();
-    const ConversationNode* changed = window_.Document().Tree().NodeOf(item);
     if (shown && changed && &changed->Shown() == &shown->Shown()) Fill();
 }
 
@@ -340,21 +341,8 @@ bool CTextDlg::ApplyText(bool messages) {
     std::int32_t id = -1;
     shown.line.GetStringID(id);
     // A line copied from another keeps its string id; its own text needs an id of its own. The
-    // copies in this conversation are found here (the stored one may be older).
-    if (id >= 0) {
-        const ItemTree& items = window_.Document().Tree().Items();
-        for (TreeItem i = window_.Document().Tree().RootItem(); i != kNoItem;
-             i = items.NextInPreOrder(i)) {
-            const ConversationNode* other = window_.Document().Tree().NodeOf(i);
-            if (!other || other->isLink || other == &shown) continue;
-            std::int32_t otherId = -1;
-            other->line.GetStringID(otherId);
-            if (otherId == id) {
-                id = -1;
-                break;
-            }
-        }
-    }
+    // copies in this conversation are counted here (the stored one may be older).
+    if (id >= 0 && stringIds_.Count(window_.Document().Tree(), id) > 1) id = -1;
     CTsComPtr<ITsResourceManager> manager = ResourceManager();
     std::int32_t valid = -1;
     // The module's other conversations may hold a copy of this line under the same id.

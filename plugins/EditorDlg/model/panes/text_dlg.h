@@ -9,6 +9,7 @@
 #include "agents/valuecache.h"
 #include "model/conversation_edits.h"
 #include "model/panes/line_pane.h"
+#include "model/panes/line_string_ids.h"
 
 class CConversationEditorWnd;
 
@@ -103,6 +104,7 @@ private:
     // A change of the shown line made elsewhere (undo, redo, find and replace) shows at once, so
     // that stale controls never write an old value back.
     void LineRefreshed(TreeItem item, int changeCode) override;
+    void StructureChanged() override { stringIds_.Forget(); }
     ConversationNode* Node() const;
     bool ApplyText(bool messages);
     bool ApplyTag(bool speaker, bool messages);
@@ -127,6 +129,7 @@ private:
     bool refreshRequested_ = false;
     std::uint64_t generation_ = 0;
     std::function<void()> onShow_;
+    LineStringIds stringIds_;
     std::u16string voStatus_;
     bool voSent_ = false;
     std::u16string translationStatus_;
