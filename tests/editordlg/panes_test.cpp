@@ -392,6 +392,18 @@ TEST_F(Panes, ALineWithoutAnIdOrSharingOneGetsAFreshIdAndAFailingServiceWritesNo
     EXPECT_TRUE(pane.Apply(CTextDlg::kText, true));
     EXPECT_EQ(Field<std::int32_t>(w, original, u"StringID"), 1106);
 
+    // An id the module never issued is refused by the service: nothing is written.
+    TreeItem stray = Line(w, u"Thanks, Orla.");
+    ASSERT_TRUE(
+        w.Perform(CUndoCommandModifyNode::ForField(u"x", w.Document().Edits(), stray, u"StringID",
+                                                   variant(kTsTypeInt, 999999), dlg::kChangeNone)));
+    items.Select(stray);
+    std::size_t before = w.UndoCount();
+    pane.Controls().text = u"Thank you, Orla.";
+    EXPECT_FALSE(pane.Apply(CTextDlg::kText, true));
+    EXPECT_EQ(w.UndoCount(), before);
+    EXPECT_EQ(Field<std::u16string>(w, stray, u"Text"), u"Thanks, Orla.");
+
     // Without the string service the text is not written; the control keeps it.
     CloseModule();
     std::size_t depth = w.UndoCount();

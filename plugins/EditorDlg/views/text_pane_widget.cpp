@@ -140,7 +140,7 @@ TextPaneWidget::TextPaneWidget(CTextDlg& pane, QWidget* parent)
     refresh_->setSingleShot(true);
     refresh_->setInterval(500);
     connect(refresh_, &QTimer::timeout, this, [this] {
-        if (pane_.Enabled()) pane_.Fill();
+        if (pane_.HasLine()) pane_.Fill();
     });
     pane_.SetOnShow([this] { Show(); });
     Show();
@@ -176,11 +176,11 @@ void TextPaneWidget::Show() {
     const CTextDlg::Values& v = pane_.Controls();
     setEnabled(pane_.Enabled());
     if (text_->toPlainText().toStdU16String() != v.text) text_->setPlainText(Q(v.text));
-    FillCombo(speaker_, pane_.Enabled() ? pane_.SpeakerChoices() : std::vector<std::u16string>{},
-              pane_.Enabled() ? v.speaker : std::u16string());
+    FillCombo(speaker_, pane_.HasLine() ? pane_.SpeakerChoices() : std::vector<std::u16string>{},
+              pane_.HasLine() ? v.speaker : std::u16string());
     speaker_->setEnabled(pane_.Enabled() && !pane_.IsPlayerLine());
-    FillCombo(listener_, pane_.Enabled() ? pane_.ListenerChoices() : std::vector<std::u16string>{},
-              pane_.Enabled() ? v.listener : std::u16string());
+    FillCombo(listener_, pane_.HasLine() ? pane_.ListenerChoices() : std::vector<std::u16string>{},
+              pane_.HasLine() ? v.listener : std::u16string());
     language_->Fill(pane_.Languages());
     language_->SelectValue(v.language);
     icon_->Fill(pane_.Icons());

@@ -15,6 +15,7 @@
 #include "ts/comptr.h"
 #include "ts/format.h"
 #include "ts/hostcomponents.h"
+#include "ts/hoststring.h"
 #include "ts/hostui.h"
 #include "ts/resourcemanager.h"
 #include "ts/text.h"
@@ -94,6 +95,10 @@ ConversationNode* CTextDlg::Node() const {
     // A line taken out of the tree (deleted, or reloaded away) is no longer edited here.
     const ConversationTree& tree = window_.Document().Tree();
     return item_ == kNoItem || !tree.Items().IsInTree(item_) ? nullptr : tree.NodeOf(item_);
+}
+
+bool CTextDlg::Enabled() const {
+    return item_ != kNoItem && !window_.IsReadOnly();
 }
 
 bool CTextDlg::IsPlayerLine() const {
@@ -348,6 +353,11 @@ bool CTextDlg::ApplyText(bool messages) {
     // The module's other conversations may hold a copy of this line under the same id.
     if (!manager || FAILED(manager->ValidateLineStringId(window_.DisplayName(), id, &valid))) {
         TsLogWindowOutput(kStringIdFailed);
+        // The service's own words say what to do about it (a damaged or read-only module).
+        char16_t* reason = nullptr;
+        if (manager && SUCCEEDED(manager->GetLastErrorText(&reason)) && reason && *reason)
+            TsLogWindowOutput(reason);
+        TsFreeString(reason);
         return false;
     }
 

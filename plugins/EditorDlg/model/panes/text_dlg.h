@@ -68,7 +68,9 @@ public:
     bool Apply(int control, bool messages) override;
     bool OwnsField(int field) const override;
 
-    bool Enabled() const { return item_ != kNoItem; }
+    // A line is shown, and may be edited (not in a read-only editor).
+    bool HasLine() const { return item_ != kNoItem; }
+    bool Enabled() const;
     TreeItem Item() const { return item_; }
     bool IsPlayerLine() const;
     Values& Controls() { return values_; }
