@@ -1,13 +1,16 @@
 #include "qt_host_ui.h"
 
+#include <QCursor>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "command_text.h"
 #include "qt_text.h"
 #include "ts/text.h"
 
@@ -128,6 +131,23 @@ bool QtHostUi::PickResource(std::u16string_view title, std::u16string_view filte
     if (dialog.exec() != QDialog::Accepted || !list->currentItem()) return false;
     chosen = list->currentItem()->text().toStdU16String();
     return true;
+}
+
+std::uint32_t QtHostUi::PopupMenu(const std::vector<TsPopupMenuItem>& items) {
+    QMenu menu(parent_);
+    for (const TsPopupMenuItem& item : items) {
+        if (item.name.empty()) {
+            menu.addSeparator();
+            continue;
+        }
+        QAction* action = menu.addAction(ToQt(CommandText(item.name)));
+        action->setData(item.id);
+        action->setEnabled(item.state & kTsCommandEnabled);
+        action->setCheckable(item.state & kTsCommandChecked);
+        action->setChecked(item.state & kTsCommandChecked);
+    }
+    QAction* chosen = menu.exec(QCursor::pos());
+    return chosen ? chosen->data().toUInt() : 0;
 }
 
 void QtHostUi::LogOutput(std::u16string_view text) {

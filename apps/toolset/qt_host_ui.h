@@ -12,7 +12,8 @@ class QWidget;
 namespace toolset {
 
 // The framework's user interface in the desktop toolset: message boxes as Qt dialogs, the
-// resource picker over the open module, and log output into the log window. Installed while it
+// resource picker over the open module, popup menus at the cursor, and log output into the log
+// window. Installed while it
 // lives.
 class QtHostUi : public ts::HostUi {
 public:
@@ -29,6 +30,7 @@ public:
     bool PickResource(std::u16string_view title, std::u16string_view filter,
                       std::u16string& chosen) override;
     void LogOutput(std::u16string_view text) override;
+    std::uint32_t PopupMenu(const std::vector<TsPopupMenuItem>& items) override;
 
 private:
     QWidget* parent_;

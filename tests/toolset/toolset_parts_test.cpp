@@ -1,7 +1,12 @@
 // The plain parts of the desktop toolset: menu texts from command names, the command line,
-// which resources the picker offers for a filter, and the undo history as the host reads and
-// walks it.
+// which resources the picker offers for a filter, popup menus, and the undo history as the host
+// reads and walks it.
 #include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QTimer>
 
 #include "command_text.h"
 #include "qt_host_ui.h"
@@ -69,6 +74,29 @@ TEST(ToolsetParts, ThePickerOffersTheFilterTypes) {
     EXPECT_EQ(toolset::ResourcesMatching(resources, u"").size(), 4u);
     EXPECT_EQ(toolset::ResourcesMatching(resources, u"*").size(), 4u);
     EXPECT_TRUE(toolset::ResourcesMatching(resources, u"stg").empty());
+}
+
+// A popup menu shows the commands' menu texts in their states and answers with the one taken.
+TEST(ToolsetParts, ThePopupMenuShowsCommandsAndAnswersTheOneTaken) {
+    toolset::QtHostUi ui(nullptr, {}, {});
+    QStringList shown;
+    QTimer::singleShot(0, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        for (QAction* action : menu->actions())
+            shown << (action->isSeparator() ? QStringLiteral("-")
+                                            : action->text() + (action->isEnabled() ? "" : " off") +
+                                                  (action->isChecked() ? " checked" : ""));
+        menu->setActiveAction(menu->actions().back());
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QApplication::sendEvent(menu, &enter);
+    });
+    EXPECT_EQ(TsPopupMenu({{u"Edit.DialogEditor.Insert.Line", 40009, 0},
+                           {},
+                           {u"Edit.DialogEditor.JumpToTarget", 124,
+                            kTsCommandEnabled | kTsCommandChecked}}),
+              124u);
+    EXPECT_EQ(shown, (QStringList{"Insert Line off", "-", "Jump To Target checked"}));
 }
 
 // An undo stack as an editor answers it, whose command `failOn` fails (the editor then
