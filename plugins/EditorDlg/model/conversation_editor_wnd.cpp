@@ -37,7 +37,8 @@ CConversationEditorWnd::CConversationEditorWnd(CTsWindowInterface<CConversationE
     dlg::LoadDlgEditorSettings();
     menus_ = dlg::BuildConversationEditorCommands(
         commands_, dlg::ReadMenuDescription(dlg::kConversationEditorMenus));
-    view_ = dlg::MakeEditorView(document_.Tree().Items(), parent);
+    editing_ = dlg::MakeTreeEditing(*this);
+    view_ = dlg::MakeEditorView(document_.Tree().Items(), *editing_, parent);
     document_.Edits().AddObserver(&Markers());
     RefreshStateDisplay();
 }

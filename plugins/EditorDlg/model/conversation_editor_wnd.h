@@ -134,6 +134,8 @@ private:
     bool unsavedBeforeHistory_ = false;
     dlg::CommandTable commands_;
     std::vector<dlg::CommandRecord*> menus_;
+    // The view's way back to the window's editing; it outlives the view.
+    std::unique_ptr<dlg::TreeEditing> editing_;
     // After the document: the view follows its item tree and goes first.
     std::unique_ptr<dlg::EditorView> view_;
     CTsEventSinkConnection<CTsWindowInterface<CConversationEditorWnd>> events_;
