@@ -9,7 +9,7 @@
 #include "core/window_interface.h"
 #include "edit_harness.h"
 #include "model/conversation_editor_wnd.h"
-#include "support/demo_module.h"
+#include "support/demo_module_fixture.h"
 #include "support/scripted_ui.h"
 #include "support/test_folders.h"
 #include "ts/editorhost.h"
@@ -23,28 +23,11 @@ namespace {
 using EditorObject = CTsComObject<CTsWindowInterface<CConversationEditorWnd>>;
 using ts::Utf16ToUtf8;
 
-class DemoConversations : public ::testing::Test {
+class DemoConversations : public ts::test::DemoModuleTest {
 protected:
-    static void SetUpTestSuite() {
-        folder_ = new std::string(ts::test::MakeTempFolder("ts-demo-dlg"));
-        ASSERT_TRUE(ts::test::BuildDemoModule(*folder_ + "/demo.tsmod"));
-    }
-    static void TearDownTestSuite() {
-        std::filesystem::remove_all(*folder_);
-        delete folder_;
-    }
-
-    void SetUp() override {
-        ts::StoreResult result;
-        std::shared_ptr<ts::ResourceStore> store =
-            ts::OpenSqliteStore(*folder_ + "/demo.tsmod", {}, &result);
-        ASSERT_TRUE(store) << Utf16ToUtf8(result.message);
-        ASSERT_EQ(TsCreateResourceManager(store, u"writer", manager_.Put()), S_OK);
-        ASSERT_EQ(TsRegisterHostComponent(kTsResourceManagerName, manager_.Get()), S_OK);
-    }
     void TearDown() override {
         if (editor_) editor_->CloseUIWindow();
-        TsRegisterHostComponent(kTsResourceManagerName, nullptr);
+        DemoModuleTest::TearDown();
     }
 
     // Opens the conversation in a new editor, as the toolset's host does.
@@ -72,12 +55,9 @@ protected:
         return labels;
     }
 
-    CTsComPtr<ITsResourceManager> manager_;
     CTsComPtr<ITsResource> resource_;
     CTsComPtr<EditorObject> editor_;
-    static std::string* folder_;
 };
-std::string* DemoConversations::folder_ = nullptr;
 
 // Each conversation's labels are predicted in data/labels/NAME.txt, written by hand from its
 // source in data/demo.

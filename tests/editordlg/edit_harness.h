@@ -26,6 +26,8 @@ public:
         std::u16string error;
         loaded = tree.Build(resource, error);
         edits.Reindex();
+        edits.SetValidation(&validation);
+        if (loaded) edits.ValidateAll();
     }
 
     // The conversation as the host would get it on saving.
@@ -55,6 +57,13 @@ public:
             bool npcExpected = parent ? !parent->isNPC : true;
             if (node->isNPC != npcExpected) return "kinds do not alternate" + at;
             if (parent && parent->isLink) return "a link has children" + at;
+            bool own = false;
+            if (!node->isLink) node->line.GetAmbient(own);
+            if (node->isAmbient != (own || (parent && parent->isAmbient)))
+                return "a stale ambient flag" + at;
+            std::vector<std::u16string> faults;
+            if (!node->isLink) rules.CheckLine(*node, faults);
+            if (faults != node->faults) return "stale faults" + at;
             if (node->isLink) {
                 ++links;
                 const ConversationNode* target = node->linkTarget;
@@ -106,6 +115,8 @@ public:
 
     ConversationTree tree;
     ConversationEdits edits{tree};
+    ConversationValidation validation{tree};
+    mutable LineRules rules;
     CTsUndoSupportBase stack{kTsDefaultUndoDepth};
     bool loaded = false;
 };

@@ -9,9 +9,8 @@
 #include "agents/valuecache.h"
 #include "model/henchman_tags.h"
 #include "model/plugin_events.h"
-#include "support/demo_module.h"
+#include "support/demo_module_fixture.h"
 #include "support/report_capture.h"
-#include "support/test_folders.h"
 #include "ts/comptr.h"
 #include "ts/events.h"
 #include "ts/hostcomponents.h"
@@ -22,43 +21,12 @@ namespace {
 
 using ts::test::ReportCapture;
 
-class DemoValueCache : public ::testing::Test {
+class DemoValueCache : public ts::test::DemoModuleTest {
 protected:
-    static void SetUpTestSuite() {
-        folder_ = new std::string(ts::test::MakeTempFolder("ts-demo-cache"));
-        ASSERT_TRUE(ts::test::BuildDemoModule(*folder_ + "/demo.tsmod"));
-    }
-    static void TearDownTestSuite() {
-        std::filesystem::remove_all(*folder_);
-        delete folder_;
-    }
-
-    void SetUp() override {
-        ts::StoreResult result;
-        std::shared_ptr<ts::ResourceStore> store =
-            ts::OpenSqliteStore(*folder_ + "/demo.tsmod", {}, &result);
-        ASSERT_TRUE(store) << ts::Utf16ToUtf8(result.message);
-        ASSERT_EQ(TsCreateResourceManager(store, u"reader", manager_.Put()), S_OK);
-        OpenModule();
-        CValueCache::Process().Clear();
-    }
-    void TearDown() override {
-        CloseModule();
-        CValueCache::Process().Clear();
-    }
-    void OpenModule() {
-        ASSERT_EQ(TsRegisterHostComponent(kTsResourceManagerName, manager_.Get()), S_OK);
-    }
-    void CloseModule() { TsRegisterHostComponent(kTsResourceManagerName, nullptr); }
     static void Send(TsAtom event) {
         EXPECT_EQ(editordlg::HandlePluginEvent(event, 0, 0, nullptr), S_OK);
     }
-
-    static std::string* folder_;
-    CTsComPtr<ITsResourceManager> manager_;
 };
-
-std::string* DemoValueCache::folder_ = nullptr;
 
 // With the module closed after the first read, only a list already in the cache can answer: that
 // tells a shared read from a second one.

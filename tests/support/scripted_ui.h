@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,18 @@ public:
         answers_.pop_front();
         return answer;
     }
+
+    // The error lists the editors published, by resource; a resource leaves when its list is
+    // emptied. `published` counts every call.
+    void ReplaceErrors(std::u16string_view resource, const std::vector<ErrorEntry>& list) override {
+        ++published;
+        if (list.empty())
+            errors.erase(std::u16string(resource));
+        else
+            errors[std::u16string(resource)] = list;
+    }
+    std::map<std::u16string, std::vector<ErrorEntry>> errors;
+    int published = 0;
 
 private:
     HostUi* previous_;

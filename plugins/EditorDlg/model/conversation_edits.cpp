@@ -36,6 +36,7 @@ void ConversationEdits::EndEdit() {
     ItemTree& items = tree_.Items();
     bool structure = renumber_;
     if (renumber_) tree_.Renumber();
+    if (renumber_ && validation_) validation_->NumberingChanged();
     renumber_ = false;
     // Subtrees that came in or moved may sit under other ambient lines now; their labels were
     // made elsewhere (a clipboard, another state of the tree).

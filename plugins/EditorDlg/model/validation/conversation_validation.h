@@ -26,8 +26,11 @@ public:
     // `changed`. Effective ambient flags must be current.
     void ValidateSubtree(TreeItem top, std::vector<TreeItem>& changed);
 
-    // Whether the faults of any item changed since the last call; clears the mark.
+    // Whether the error list changed since the last call (faults of an item, or the numbering
+    // its entries carry); clears the mark.
     bool TakeChanged();
+    // Lines came, went or moved: the entries' numbers are stale even where no fault changed.
+    void NumberingChanged() { changed_ = true; }
     // Every fault of the conversation: the root's first (line 0), then the lines' in tree
     // order, one entry per failed rule, each with the line's TreeIndex. Needs a current numbering.
     std::vector<ts::ErrorEntry> Errors() const;
