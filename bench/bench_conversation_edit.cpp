@@ -13,6 +13,7 @@
 #include "model/undo/undo_command_modify_node.h"
 #include "model/undo/undo_command_move_node.h"
 #include "support/conversation_generator.h"
+#include "support/plot_module.h"
 #include "views/conversation_editor_view.h"
 
 namespace {
@@ -26,9 +27,12 @@ const CTsComPtr<ITsProperty>& Conversation(int lines) {
     return tree;
 }
 
-// An open conversation with its undo stack and its view, fully expanded.
+// An open conversation with its undo stack and its view, fully expanded, validated after every
+// edit against a module that holds its plot.
 struct Editor {
+    ts::bench::PlotModule module;
     ConversationTree tree;
+    ConversationValidation validation{tree};
     ConversationEdits edits{tree};
     CTsUndoSupportBase stack{kTsDefaultUndoDepth};
     std::unique_ptr<ConversationEditorView> view;
@@ -40,6 +44,8 @@ struct Editor {
         std::u16string error;
         if (!tree.Build(Conversation(lines).Get(), error)) std::abort();
         edits.Reindex();
+        edits.SetValidation(&validation);
+        edits.ValidateAll();
         RunExpandCommand(tree.Items(), ExpandCommand::ExpandAll);
         Settle();
     }
@@ -64,11 +70,17 @@ struct Editor {
     }
     void Run(std::unique_ptr<CTsUndoCommand> command) {
         if (!stack.AddCommand(std::move(command), true)) std::abort();
+        Publish();
         Settle();
     }
     void Undo() {
         if (!stack.Undo()) std::abort();
+        Publish();
         Settle();
+    }
+    // What the window hands the host after a command whose faults or numbering changed.
+    void Publish() {
+        if (validation.TakeChanged()) benchmark::DoNotOptimize(validation.Errors());
     }
 };
 

@@ -21,12 +21,14 @@
 #include "core/layout_places.h"
 #include "core/layout_support.h"
 #include "core/listening_cache.h"
+#include "core/marker_source_support.h"
 #include "core/module.h"
 #include "core/plugin_flags.h"
 #include "core/window_interface.h"
 #include "support/fake_resource.h"
 #include "support/report_capture.h"
 #include "support/test_folders.h"
+#include "ts/environment.h"
 #include "ts/events.h"
 #include "ts/paths.h"
 #include "ts/text.h"
@@ -45,17 +47,37 @@ struct ReceivedEvent {
 };
 std::vector<ReceivedEvent> gReceived;
 
+// The least a marker store holds: notes, each its own display text.
+class NoteStore {
+public:
+    std::size_t Count() const { return notes_.size(); }
+    std::u16string LocationText(std::size_t i) const { return u"note=" + notes_[i]; }
+    std::u16string DisplayText(std::size_t i) const { return notes_[i]; }
+    std::u16string Category(std::size_t) const { return u"Note"; }
+    void SetChangeListener(std::function<void()> listener) { listener_ = std::move(listener); }
+    void Add(std::u16string note) {
+        notes_.push_back(std::move(note));
+        listener_();
+    }
+
+private:
+    std::vector<std::u16string> notes_;
+    std::function<void()> listener_;
+};
+
 // A window with every support class the editor object can forward to.
 class FullWindow : public CTsFrameWnd,
                    public CTsEditorSupport<FullWindow>,
                    public CTsEditorLayoutSupport<FullWindow>,
-                   public CTsUICommandSourceSupport<FullWindow> {
+                   public CTsUICommandSourceSupport<FullWindow>,
+                   public CTsMarkerSourceSupport<FullWindow, NoteStore> {
 public:
     static constexpr CLSID kClassId = ts::Guid("{7D2E4F10-6C1B-4A8E-9D3F-2B5A6C7D8E01}");
 
     FullWindow(CTsWindowInterface<FullWindow>& owner, TsWindowHandle)
         : CTsEditorLayoutSupport(true),
           CTsUICommandSourceSupport(u"FullSource", u"\nBarOne\n\nBarTwo\n"),
+          owner_(&owner),
           events_(&owner) {}
 
     HRESULT LoadResource(IUnknown* resource) {
@@ -72,11 +94,18 @@ public:
         gReceived.push_back({event, p1, p2, resource != nullptr});
     }
     ITsEventSink* GetEventSink() const { return events_.GetSink(); }
+    IUnknown* EditorObject() const { return static_cast<ITsEditor*>(owner_); }
+    HRESULT GoToMarker(std::u16string_view location) {
+        wentTo = location;
+        return location.starts_with(u"note=") ? S_OK : E_INVALIDARG;
+    }
 
     int undoClears = 0;
     int stateRefreshes = 0;
+    std::u16string wentTo;
 
 private:
+    CTsWindowInterface<FullWindow>* owner_;
     CTsEventSinkConnection<CTsWindowInterface<FullWindow>> events_;
 };
 
@@ -106,6 +135,7 @@ std::vector<HRESULT> CallEveryForwardingOperation(const CTsComPtr<T>& object) {
     auto editor = As<ITsEditor>(object);
     auto commands = As<ITsUICommandSource>(object);
     auto options = As<ITsOptionsSource>(object);
+    auto markers = As<ITsMarkerSource>(object);
     CTsComPtr<ITsStringEnum> list;
     CTsHostString text;
     std::uint32_t word = 0;
@@ -123,7 +153,10 @@ std::vector<HRESULT> CallEveryForwardingOperation(const CTsComPtr<T>& object) {
             editor->GetDisplayName(text.Put()),
             editor->ActivateFrame(1),
             editor->ReportWordCount(),
-            options->GetOptionsName(text.Put())};
+            options->GetOptionsName(text.Put()),
+            markers->GetMarkerCount(&word),
+            markers->GetMarker(0, text.Put(), nullptr, nullptr),
+            markers->GoToMarker(u"note=a")};
 }
 
 // Before its window is made and after it is closed, every forwarded call of the editor object
@@ -246,11 +279,55 @@ TEST(WindowInterface, ForwardsEditorStateAndResultsToTheWindow) {
 TEST(WindowInterface, WhatTheWindowDoesNotOfferIsNotImplemented) {
     auto object = NewEditor<BareWindow>();
     ASSERT_EQ(As<ITsUIWindow>(object)->CreateUIWindow(nullptr), S_OK);
-    std::vector<HRESULT> expected(14, E_NOTIMPL);
+    std::vector<HRESULT> expected(17, E_NOTIMPL);
     expected[11] = S_OK;  // ActivateFrame: every window has its frame
     EXPECT_EQ(CallEveryForwardingOperation(object), expected);
     CTsHostString name;
     EXPECT_EQ(As<ITsUICommandSource>(object)->GetCommandSourceName(name.Put()), E_NOTIMPL);
+}
+
+// The host reads the window's markers, hears each change of them with the editor object as
+// the payload, and hands a marker's location back to go there.
+TEST(WindowInterface, MarkersAreReadAnnouncedAndVisitedThroughTheWindow) {
+    auto object = NewEditor<FullWindow>();
+    auto markers = As<ITsMarkerSource>(object);
+    ASSERT_EQ(As<ITsUIWindow>(object)->CreateUIWindow(nullptr), S_OK);
+    FullWindow& w = *object->GetWindow();
+    std::vector<ts::HostEvent> sent;
+    int listener = ts::AddHostEventListener([&](const ts::HostEvent& e) {
+        sent.push_back(e);
+        ASSERT_NE(e.payload, nullptr);
+        CTsComPtr<ITsMarkerSource> source;
+        EXPECT_EQ(e.payload->QueryInterface(ITsMarkerSource::kIID, source.PutVoid()), S_OK);
+        EXPECT_EQ(source.Get(), markers.Get()) << "the payload is the editor that changed";
+    });
+    w.Markers().Add(u"first");
+    w.Markers().Add(u"second");
+    ts::RemoveHostEventListener(listener);
+    ASSERT_EQ(sent.size(), 2u);
+    EXPECT_EQ(sent[1].event, ts::events::MarkersChange());
+    EXPECT_EQ(sent[1].flags, ts::events::kNotice);
+    EXPECT_EQ(sent[1].text, u"");
+
+    std::uint32_t count = 0;
+    ASSERT_EQ(markers->GetMarkerCount(&count), S_OK);
+    EXPECT_EQ(count, 2u);
+    CTsHostString location, text, category;
+    ASSERT_EQ(markers->GetMarker(1, location.Put(), text.Put(), category.Put()), S_OK);
+    EXPECT_EQ(location.View(), u"note=second");
+    EXPECT_EQ(text.View(), u"second");
+    EXPECT_EQ(category.View(), u"Note");
+    ASSERT_EQ(markers->GetMarker(0, nullptr, text.Put(), nullptr), S_OK) << "only the text";
+    EXPECT_EQ(text.View(), u"first");
+    EXPECT_EQ(markers->GetMarker(2, location.Put(), text.Put(), category.Put()), E_INVALIDARG);
+    EXPECT_EQ(location.Get(), nullptr);
+    EXPECT_EQ(text.Get(), nullptr);
+    EXPECT_EQ(markers->GetMarkerCount(nullptr), E_POINTER);
+
+    EXPECT_EQ(markers->GoToMarker(u"note=second"), S_OK);
+    EXPECT_EQ(w.wentTo, u"note=second");
+    EXPECT_EQ(markers->GoToMarker(u"elsewhere"), E_INVALIDARG) << "the window's own answer";
+    EXPECT_EQ(markers->GoToMarker(nullptr), E_POINTER);
 }
 
 // A cache listens while it lives, through the same sink connection as a window.

@@ -318,7 +318,7 @@ TEST_F(ConversationEditor, CommandsAreEnabledWhereTheirActionIsPossible) {
     // The root, selected and open one level after the load.
     const std::set<std::uint32_t> onRoot = {
         kCollapse,   kExpandBranch,          kCollapseBranch, kExpandAll,      kCollapseAll,
-        kSimpleView, kCountNPCLinesInBranch, kInsertLine,     kInsertLineAfter};
+        kSimpleView, kCountNPCLinesInBranch, kInsertLine,     kInsertLineAfter, kCopy};
     for (const auto& [id, name] : ExpectedCommands()) {
         std::uint32_t expected = onRoot.contains(id) ? kTsCommandEnabled : 0u;
         EXPECT_EQ(State(id), expected) << ts::Utf16ToUtf8(name);

@@ -177,7 +177,7 @@ TEST(UndoCommands, EachCommandAppliesUndoesAndRedoesOnTheTree) {
         }
         std::vector<std::tuple<TreeItem, std::uint32_t, std::u16string>> heard;
     } observer;
-    c.edits.SetObserver(&observer);
+    c.edits.AddObserver(&observer);
     auto animation = std::make_unique<CUndoModifyAnimation>(
         u"Animation Change", c.edits, c.edits.IndexOf(halt), kChangeNone, 2, u"guard");
     animation->Add(CTsUndoCommandPropertyModify::Make(
@@ -185,7 +185,7 @@ TEST(UndoCommands, EachCommandAppliesUndoesAndRedoesOnTheTree) {
     c.RoundTrip(std::move(animation), [] {});
     ASSERT_EQ(observer.heard.size(), 3u);
     EXPECT_EQ(observer.heard[2], std::make_tuple(halt, 2u, std::u16string(u"guard")));
-    c.edits.SetObserver(nullptr);
+    c.edits.RemoveObserver(&observer);
 
     // Everything undone, the conversation is as it was loaded.
     while (c.stack.UndoCount() > 0) ASSERT_TRUE(c.stack.Undo());

@@ -8,7 +8,9 @@
 #include "edit_harness.h"
 #include "model/conversation_editor_wnd.h"
 #include "model/dlg_editor_settings.h"
+#include "model/known_tags.h"
 #include "model/plugin_events.h"
+#include "model/validation/replacement_check.h"
 #include "model/validation/text_normal_form.h"
 #include "support/conversation_builder.h"
 #include "support/demo_module_fixture.h"
@@ -201,6 +203,49 @@ TEST_F(Validation, FaultsFollowEditsUndoAndPlotsSavedElsewhere) {
     ts::BroadcastToEventSinks(ts::events::SaveResource(), 0, 0, plot.Get());
     EXPECT_EQ(faultsAt(1), 0u);
     EXPECT_EQ(ui_.published, published + 1);
+}
+
+// What find and replace may write into each checked field, against the demo module's creatures,
+// henchmen, plots and tables.
+TEST_F(Validation, ReplacementValuesAreCheckedByFieldNumber) {
+    ts::test::ConversationBuilder b;
+    b.conversation.SetEndConversationPlotURI(u"plt_lantern_rumours");
+    CAgentConversationLine line = b.Line(true, b.Npc(u"Hello."));
+    line.SetConditionPlotURI(u"plt_lantern_rumours.plo");
+    std::optional<dlg::TextTagSet> tags = dlg::LoadKnownTags();
+    ASSERT_TRUE(tags);
+    dlg::ReplacementCheck check(*tags, 2);
+    const struct {
+        int property;
+        std::u16string value, message;
+    } cases[] = {
+        {16, u"", u""},
+        {16, u"owner", u""},
+        {1, u"Orla", u""},
+        {14, u"HENCHMAN 2", u""},
+        {14, u"hench:WREN", u""},
+        {14, u"HENCHMAN 3", u"\"HENCHMAN 3\" isn't a known tag."},
+        {14, u"", u"\"\" isn't a known tag."},
+        {3, u"plt_missing_caravan", u""},
+        {18, u"plt_nowhere", u"\"plt_nowhere\" isn't a known plot."},
+        {5, u"heard_lighthouse_rumour", u""},
+        {5, u"1", u""},
+        {5, u"9", u"\"9\" isn't a known plot flag."},
+        {20, u"1", u"\"1\" isn't a known plot flag."},  // the line has no action plot
+        {27, u"BOUGHT_DRINK", u""},
+        {11, u"a > b", u"Line contains unmatched or malformed tags"},
+        {12, u"Persuade", u""},
+        {12, u"Juggle", u"\"Juggle\" isn't a known skill/icon."},
+        {13, u"Deutsch", u""},
+        {13, u"Klingon", u"\"Klingon\" isn't a known language."},
+        {51, u"happy", u""},
+        {51, u"Bored", u"\"Bored\" isn't a known emotion."},
+        {52, u"anything", u""},
+        {2, u"anything", u""},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(check.Check(c.property, c.value, line, b.conversation), c.message)
+            << c.property << " " << ts::Utf16ToUtf8(c.value);
 }
 
 // Random edits on every demo conversation keep each line's faults what a fresh run would find

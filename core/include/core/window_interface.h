@@ -6,6 +6,7 @@
 #include "core/command_source_impl.h"
 #include "core/editor_impl.h"
 #include "core/forwarding.h"
+#include "core/marker_source_impl.h"
 #include "core/options_source_impl.h"
 #include "core/uiwindow_impl.h"
 #include "core/undo_redo_impl.h"
@@ -25,7 +26,7 @@ class CTsWindowInterface : public CTsUIWindowImpl<CTsWindowInterface<W>, W>,
                            public CTsUICommandSourceImpl<CTsWindowInterface<W>, W>,
                            public CTsEditorImpl<CTsWindowInterface<W>, W>,
                            public ITsExportSource,
-                           public ITsMarkerSource,
+                           public CTsMarkerSourceImpl<CTsWindowInterface<W>, W>,
                            public ITsFindReplaceSource,
                            public ITsHelpSource,
                            public CTsOptionsSourceImpl<CTsWindowInterface<W>, W>,

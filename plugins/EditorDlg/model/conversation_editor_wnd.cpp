@@ -6,6 +6,7 @@
 #include "core/host_events.h"
 #include "core/string_enum.h"
 #include "model/dlg_editor_settings.h"
+#include "model/editing/node_clipboard.h"
 #include "model/editor_commands.h"
 #include "model/known_tags.h"
 #include "model/plugin_events.h"
@@ -37,11 +38,14 @@ CConversationEditorWnd::CConversationEditorWnd(CTsWindowInterface<CConversationE
     menus_ = dlg::BuildConversationEditorCommands(
         commands_, dlg::ReadMenuDescription(dlg::kConversationEditorMenus));
     view_ = dlg::MakeEditorView(document_.Tree().Items(), parent);
+    document_.Edits().AddObserver(&Markers());
     RefreshStateDisplay();
 }
 
 CConversationEditorWnd::~CConversationEditorWnd() {
     ClearHistory();
+    document_.Edits().RemoveObserver(&Markers());
+    dlg::NodeClipboard::Process().ForgetTree(document_.Tree());
     // The host lists the faults of open conversations only.
     if (IsLoaded()) TsReplaceError(DisplayName(), {});
 }
@@ -63,6 +67,11 @@ void CConversationEditorWnd::UndoHistoryChanged() {
 bool CConversationEditorWnd::Perform(std::unique_ptr<CTsUndoCommand> command) {
     if (!command || IsReadOnly() || !document_.IsLoaded()) return false;
     return AddCommand(std::move(command), true);
+}
+
+bool CConversationEditorWnd::PerformDone(std::unique_ptr<CTsUndoCommand> command) {
+    if (!command || IsReadOnly() || !document_.IsLoaded()) return false;
+    return AddCommand(std::move(command), false);
 }
 
 std::vector<TsCommandItem> CConversationEditorWnd::CommandList() const {
@@ -115,8 +124,9 @@ HRESULT CConversationEditorWnd::LoadResource(IUnknown* resource) {
         root = CTsComPtr<ITsProperty>(current.GetNode());
     }
 
-    // The history belongs to the tree it was made on.
+    // The history and the markers belong to the tree they were made on.
     ClearHistory();
+    Markers().Clear();
     std::u16string error;
     if (!document_.Load(root.Get(), error)) {
         ts::SendHostEvent(ts::events::Error(), ts::events::kError, error);
@@ -157,7 +167,7 @@ HRESULT CConversationEditorWnd::SaveResource(std::uint32_t hostArgument) {
             return E_FAIL;
         }
     }
-    HRESULT saved = TsSaveEditor(Owner(), hostArgument);
+    HRESULT saved = TsSaveEditor(EditorObject(), hostArgument);
     if (saved != S_OK) return saved;
     document_.Tree().RefreshAll();
     unsavedBeforeHistory_ = false;
@@ -172,8 +182,18 @@ HRESULT CConversationEditorWnd::ReportWordCount() {
     return S_OK;
 }
 
-IUnknown* CConversationEditorWnd::Owner() const {
+IUnknown* CConversationEditorWnd::EditorObject() const {
     return static_cast<ITsEditor*>(owner_);
+}
+
+HRESULT CConversationEditorWnd::GoToMarker(std::u16string_view location) {
+    auto lines = static_cast<std::int32_t>(document_.Tree().NodeCount());
+    if (!Markers().Select(location, lines)) return E_INVALIDARG;
+    dlg::ItemTree& items = document_.Tree().Items();
+    dlg::TreeItem item = document_.Edits().ItemAt(Markers().Selection()->startLine);
+    items.Select(item);
+    items.EnsureVisible(item);
+    return S_OK;
 }
 
 int CConversationEditorWnd::ToggleSimpleView() {

@@ -9,11 +9,14 @@
 #include "core/event_sink.h"
 #include "core/frame_wnd.h"
 #include "core/layout_support.h"
+#include "core/marker_source_support.h"
 #include "core/undo_support.h"
 #include "core/window_interface.h"
 #include "model/command_table.h"
 #include "model/conversation_document.h"
+#include "model/editing/vo_guard.h"
 #include "model/editor_view.h"
+#include "model/line_markers.h"
 #include "model/text_tags.h"
 #include "ts/guid.h"
 #include "ts/resource.h"
@@ -22,13 +25,15 @@
 #include "ts/uiwindow.h"
 
 // The conversation editor's window: the editor state the host reads and writes, the command
-// source identity, the layout places, the undo stack, and the event sink through which host
-// events reach it.
-class CConversationEditorWnd : public CTsFrameWnd,
-                               public CTsEditorSupport<CConversationEditorWnd>,
-                               public CTsEditorLayoutSupport<CConversationEditorWnd>,
-                               public CTsUICommandSourceSupport<CConversationEditorWnd>,
-                               public CTsUndoSupport<CConversationEditorWnd> {
+// source identity, the layout places, the markers, the undo stack, and the event sink through
+// which host events reach it.
+class CConversationEditorWnd
+    : public CTsFrameWnd,
+      public CTsEditorSupport<CConversationEditorWnd>,
+      public CTsEditorLayoutSupport<CConversationEditorWnd>,
+      public CTsUICommandSourceSupport<CConversationEditorWnd>,
+      public CTsMarkerSourceSupport<CConversationEditorWnd, dlg::LineMarkers>,
+      public CTsUndoSupport<CConversationEditorWnd> {
 public:
     static constexpr CLSID kClassId = ts::Guid("{00AFAF9F-EBA6-4DD2-BE63-1B6C33076D02}");
     static constexpr std::u16string_view kCommandSourceName = u"DLGEditor";
@@ -96,6 +101,10 @@ public:
     // Runs a command of the open conversation through the undo stack; false for a read-only
     // editor, an editor with nothing loaded, or a command that failed.
     bool Perform(std::unique_ptr<CTsUndoCommand> command);
+    // Registers a command whose change is already made (a paste); undo takes it back.
+    bool PerformDone(std::unique_ptr<CTsUndoCommand> command);
+    // The questions that guard voice-over already sent, with what the user answered so far.
+    dlg::VoGuard& Vo() { return vo_; }
 
     void OnEvent(TsAtom event, std::uint32_t param1, std::uint32_t param2, ITsResource* resource);
 
@@ -103,9 +112,14 @@ public:
     // `always`).
     void PublishErrors(bool always);
 
+    // ITsMarkerSource: selects the line a location text names (its first line) and keeps the
+    // location as the markers' selection, with its field and characters for find and replace.
+    // E_INVALIDARG when the text is malformed or names no line of the open conversation.
+    HRESULT GoToMarker(std::u16string_view location);
+
 private:
     // The editor object that answers the host for this window.
-    IUnknown* Owner() const;
+    IUnknown* EditorObject() const;
     // Whether an event about `resource` can change what validation finds: one of the kinds
     // the rules read, or an event about no resource in particular.
     bool MayChangeFaults(ITsResource* resource) const;
@@ -114,6 +128,7 @@ private:
     CTsWindowInterface<CConversationEditorWnd>* owner_;
     dlg::ConversationDocument document_;
     dlg::TextTagSet knownTags_;
+    dlg::VoGuard vo_;
     bool simpleView_ = false;
     // Set when the conversation was reloaded from unsaved changes, which no undo step records.
     bool unsavedBeforeHistory_ = false;

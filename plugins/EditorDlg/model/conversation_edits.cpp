@@ -1,8 +1,27 @@
 #include "model/conversation_edits.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace dlg {
+
+void ConversationEdits::AddObserver(ConversationEditObserver* observer) {
+    if (observer && std::find(observers_.begin(), observers_.end(), observer) == observers_.end())
+        observers_.push_back(observer);
+}
+
+void ConversationEdits::RemoveObserver(ConversationEditObserver* observer) {
+    observers_.erase(std::remove(observers_.begin(), observers_.end(), observer), observers_.end());
+}
+
+// A copy, so that an observer may come or go while the others hear.
+template <class F>
+void ConversationEdits::Notify(F&& tell) {
+    std::vector<ConversationEditObserver*> observers = observers_;
+    for (ConversationEditObserver* observer : observers)
+        if (std::find(observers_.begin(), observers_.end(), observer) != observers_.end())
+            tell(*observer);
+}
 
 void ConversationEdits::Reindex() {
     links_.Clear();
@@ -35,7 +54,8 @@ void ConversationEdits::EndEdit() {
     if (depth_ == 0 || --depth_ > 0) return;
     ItemTree& items = tree_.Items();
     bool structure = renumber_;
-    if (renumber_) tree_.Renumber();
+    NumberingChange change;
+    if (renumber_) change = numbering_.Renumber(tree_, attached_);
     if (renumber_ && validation_) validation_->NumberingChanged();
     renumber_ = false;
     // Subtrees that came in or moved may sit under other ambient lines now; their labels were
@@ -54,7 +74,11 @@ void ConversationEdits::EndEdit() {
     touched_.clear();
     redraw_.clear();
     items.EndBatch();
-    if (structure && observer_) observer_->StructureChanged();
+    if (structure) {
+        // Every store of numbers is current before anyone hears of the new structure.
+        Notify([&](ConversationEditObserver& o) { o.Renumbered(change); });
+        Notify([](ConversationEditObserver& o) { o.StructureChanged(); });
+    }
 }
 
 void ConversationEdits::ValidateSubtree(TreeItem top) {
@@ -83,6 +107,7 @@ DetachedSubtree ConversationEdits::Detach(TreeItem item) {
     TreeItem parent = items.GetParent(item);
     TreeItem selected = items.GetSelection();
     links_.RemoveSubtree(items, item);
+    numbering_.Leaving(tree_, item);
     items.Detach(item);
     // The selection was inside what left: the line it stood under takes it, so that the user
     // goes on from there.
@@ -187,12 +212,13 @@ bool ConversationEdits::RefreshNode(std::int32_t treeIndex, int changeCode, bool
         RefreshLine(item);
     }
     EndEdit();
-    if (observer_) observer_->LineRefreshed(item, changeCode);
+    Notify([&](ConversationEditObserver& o) { o.LineRefreshed(item, changeCode); });
     return true;
 }
 
 void ConversationEdits::AnimationChanged(std::uint32_t animation, const std::u16string& tag) {
-    if (observer_) observer_->AnimationChanged(tree_.Items().GetSelection(), animation, tag);
+    TreeItem selected = tree_.Items().GetSelection();
+    Notify([&](ConversationEditObserver& o) { o.AnimationChanged(selected, animation, tag); });
 }
 
 }  // namespace dlg

@@ -5,6 +5,7 @@
 
 #include "model/conversation_tree.h"
 #include "model/link_index.h"
+#include "model/numbering_tracker.h"
 #include "model/validation/conversation_validation.h"
 
 namespace dlg {
@@ -29,7 +30,9 @@ public:
     virtual ~ConversationEditObserver() = default;
     // Fields of the item's line changed (change code as in LineChange).
     virtual void LineRefreshed(TreeItem /*item*/, int /*changeCode*/) {}
-    // Lines came, went or moved; the tree is numbered again.
+    // Lines came, went or moved; the tree is numbered again. Renumbered says how the numbers
+    // changed; every observer hears it before any hears StructureChanged.
+    virtual void Renumbered(const NumberingChange& /*change*/) {}
     virtual void StructureChanged() {}
     // An animation of the selected line's track changed.
     virtual void AnimationChanged(TreeItem /*item*/, std::uint32_t /*animation*/,
@@ -47,7 +50,9 @@ public:
     ConversationEdits(const ConversationEdits&) = delete;
     ConversationEdits& operator=(const ConversationEdits&) = delete;
 
-    void SetObserver(ConversationEditObserver* observer) { observer_ = observer; }
+    // Observers hear the edits in the order they were added; each is added once.
+    void AddObserver(ConversationEditObserver* observer);
+    void RemoveObserver(ConversationEditObserver* observer);
     // Validation follows every edit: the lines a field change touches, the subtrees that came in
     // or moved (their ambient flags may be new), and everything when a conversation default
     // changed.
@@ -100,11 +105,14 @@ private:
     void Touch(TreeItem item) { touched_.push_back(item); }
     // Validates `top`'s subtree; the items whose state changed go to `redraw_`.
     void ValidateSubtree(TreeItem top);
+    template <class F>
+    void Notify(F&& tell);
 
     ConversationTree& tree_;
-    ConversationEditObserver* observer_ = nullptr;
+    std::vector<ConversationEditObserver*> observers_;
     ConversationValidation* validation_ = nullptr;
     LinkIndex links_;
+    NumberingTracker numbering_;
     int depth_ = 0;
     bool renumber_ = false;
     std::vector<TreeItem> touched_;   // items whose own label may change

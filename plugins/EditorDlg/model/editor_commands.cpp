@@ -3,6 +3,9 @@
 #include <utility>
 
 #include "model/conversation_editor_wnd.h"
+#include "model/dlg_editor_settings.h"
+#include "model/editing/node_clipboard.h"
+#include "model/editing/tree_edits.h"
 #include "model/insert_line.h"
 #include "model/tree_view_commands.h"
 #include "ts/format.h"
@@ -65,6 +68,33 @@ bool IsEnabled(CConversationEditorWnd& window, std::uint32_t id) {
             return loaded && !window.IsReadOnly() && items.IsValid(selected) &&
                    (id == kInsertLineAfter || !node || !node->isLink);
         }
+        case kCopy:
+            return loaded && items.IsInTree(selected);
+        case kCut:
+        case kDelete: {
+            // Delete belongs to the tree only while it has the keyboard focus; elsewhere the key
+            // edits the focused control.
+            EditorView* view = window.View();
+            return loaded && !window.IsReadOnly() && tree.NodeOf(selected) &&
+                   (id == kCut || !view || view->TreeHasFocus());
+        }
+        case kPaste:
+        case kPasteAsLink: {
+            ConversationTree* sourceTree = nullptr;
+            TreeItem source = kNoItem;
+            if (!loaded || window.IsReadOnly() || !NodeClipboard::Process().Get(sourceTree, source))
+                return false;
+            if (id == kPaste)
+                return CanPlace(tree, selected, *sourceTree, source, false) != Placement::Refuse;
+            if (sourceTree != &tree) return false;
+            bool forward = TheDlgEditorSettings().PasteLinkSourceToDestination;
+            return (forward ? CanPlace(tree, selected, tree, source, true)
+                            : CanPlace(tree, source, tree, selected, true)) != Placement::Refuse;
+        }
+        case kFindLinks: {
+            const ConversationNode* node = tree.NodeOf(selected);
+            return node != nullptr;
+        }
         default:
             return false;
     }
@@ -102,6 +132,19 @@ bool RunCommand(CConversationEditorWnd& window, std::uint32_t id) {
         case kInsertLine:
         case kInsertLineAfter:
             return InsertLine(window, id == kInsertLineAfter);
+        case kCopy:
+            return CopySelection(window);
+        case kCut:
+            return CutSelection(window);
+        case kDelete:
+            return DeleteSelection(window);
+        case kPaste:
+            return PasteClipboard(window);
+        case kPasteAsLink:
+            return PasteClipboardAsLink(window);
+        case kFindLinks:
+            FindLinks(window);
+            return true;
         default:
             return false;
     }

@@ -24,6 +24,12 @@ inline constexpr std::uint32_t kJumpToTarget = 124;
 inline constexpr std::uint32_t kCountNPCLinesInBranch = 40080;
 inline constexpr std::uint32_t kInsertLine = 40009;
 inline constexpr std::uint32_t kInsertLineAfter = 123;
+inline constexpr std::uint32_t kCut = 40023;
+inline constexpr std::uint32_t kCopy = 40011;
+inline constexpr std::uint32_t kPaste = 40012;
+inline constexpr std::uint32_t kDelete = 40013;
+inline constexpr std::uint32_t kPasteAsLink = 40010;
+inline constexpr std::uint32_t kFindLinks = 40048;
 }  // namespace command_id
 
 // The state of a command on the tree's current selection (kTsCommandEnabled, kTsCommandChecked).

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "model/item_tree.h"
 #include "ts/uiwindow.h"
@@ -17,6 +18,10 @@ public:
     // The splitter between the tree and the line panes: 0 shows the tree alone (simple view),
     // 2 the tree and the panes.
     virtual void SetPaneMode(int mode) = 0;
+    // Puts text on the system clipboard (a copied branch, for pasting into a document).
+    virtual void SetClipboardText(const std::u16string& text) = 0;
+    // Whether the tree has the keyboard focus: Delete belongs to the tree only then.
+    virtual bool TreeHasFocus() const = 0;
 };
 
 // Makes the view of an editor window inside the host's frame `parent`, showing `items`.

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QLayout>
 #include <QTabWidget>
 
@@ -21,6 +22,11 @@ public:
     void SetPaneMode(int mode) override {
         if (widget_) widget_->SetPaneMode(mode);
     }
+    void SetClipboardText(const std::u16string& text) override {
+        if (QClipboard* clipboard = QGuiApplication::clipboard())
+            clipboard->setText(QString::fromStdU16String(text));
+    }
+    bool TreeHasFocus() const override { return widget_ && widget_->Tree().hasFocus(); }
 
 private:
     QPointer<ConversationEditorView> widget_;

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "ts/markersource.h"
 #include "ts/undoredo.h"
 #include "ts/unknown.h"
 
 // Host interfaces that every editor object answers besides its window, command, editor and
 // options interfaces. The host asks for them to learn what an editor can take part in; their
 // operations are declared with the features that use them (markers, find and replace, preview),
-// so for now each is its identity only. ITsUndoRedo has its operations in ts/undoredo.h.
+// so for now each is its identity only. ITsUndoRedo has its operations in ts/undoredo.h,
+// ITsMarkerSource in ts/markersource.h.
 #define TS_DECLARE_EDITOR_INTERFACE(name, id) \
     struct name : IUnknown {                  \
         TS_INTERFACE_ID(id);                  \
@@ -17,8 +19,6 @@
 
 // Export of the edited resource to other formats.
 TS_DECLARE_EDITOR_INTERFACE(ITsExportSource, "{3B0438E0-190F-4CD6-9778-8B603D185A07}");
-// The editor's markers (faulty lines) in the host's error list.
-TS_DECLARE_EDITOR_INTERFACE(ITsMarkerSource, "{9FB5A610-75CE-41E6-AA56-2D7420CDEB68}");
 // Searching and replacing in the edited resource.
 TS_DECLARE_EDITOR_INTERFACE(ITsFindReplaceSource, "{3EF22302-003A-4460-9F7F-BFA945A2218C}");
 // Context help.

@@ -21,7 +21,8 @@
     X(Error)                   \
     X(UserInteraction)         \
     X(SearchResult)            \
-    X(ClearSearchResults)
+    X(ClearSearchResults)      \
+    X(MarkersChange)
 // clang-format on
 
 namespace ts::events {
@@ -38,7 +39,7 @@ TS_HOST_EVENT_NAMES(TS_DEFINE_EVENT_ATOM)
 // changed ("DlgEditor" for the conversation editor's).
 
 // Flags of the events a plugin sends to the host.
-inline constexpr std::uint32_t kNotice = 1;  // "UserInteraction", "SearchResult"
+inline constexpr std::uint32_t kNotice = 1;  // "UserInteraction", "SearchResult", "MarkersChange"
 inline constexpr std::uint32_t kError = 4;   // "Error": a resource could not be opened
 
 }  // namespace ts::events

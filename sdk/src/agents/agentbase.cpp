@@ -51,9 +51,27 @@ bool CAgentBase::WriteDefaults(std::span<const TsFieldDecl> fields) {
 
 CTsComPtr<ITsProperty> CAgentBase::FieldNode(TsAtom atom, std::uint32_t type, const char* source,
                                              int line) const {
-    CTsComPtr<ITsProperty> node;
-    if (node_ && SUCCEEDED(node_->FindChild(atom, 0, node.Put())) && node->GetType() == type)
-        return node;
+    ITsProperty* const* children = nullptr;
+    std::uint32_t count = 0;
+    if (node_ && SUCCEEDED(node_->GetChildArray(&children, &count))) {
+        // Records of a kind hold their fields in declaration order, so the place where a field
+        // was found last time is nearly always its place in the next record: try it before
+        // scanning. The places are kept per thread by the atom's low byte; a clash only costs a
+        // scan. Field names are unique within a record, so any match is the field.
+        static thread_local std::uint16_t lastPlace[256] = {};
+        std::uint16_t& hint = lastPlace[atom & 0xFF];
+        ITsProperty* found = nullptr;
+        if (hint < count && children[hint]->GetNameAtom() == atom) {
+            found = children[hint];
+        } else {
+            for (std::uint32_t i = 0; i < count && !found; ++i)
+                if (children[i]->GetNameAtom() == atom) {
+                    found = children[i];
+                    hint = static_cast<std::uint16_t>(i);
+                }
+        }
+        if (found && found->GetType() == type) return CTsComPtr<ITsProperty>(found);
+    }
     Report(ReportLevel::Assert, source, line, u"Request for invalid property");
     return {};
 }

@@ -60,13 +60,15 @@ void LineRules::CheckRoot(const CAgentConversation& root, std::vector<std::u16st
 }
 
 void LineRules::CheckLine(const ConversationNode& node, std::vector<std::u16string>& out) {
+    // Each field read touches a node of its own somewhere in memory, which is what a run over a
+    // large conversation pays for: fields that can't matter for the line are not read.
     const CAgentConversationLine& line = node.line;
     std::u16string conditionPlot, actionPlot;
     std::int32_t conditionFlag = -1, actionFlag = -1;
-    line.GetConditionPlotURI(conditionPlot);
-    line.GetConditionPlotFlag(conditionFlag);
-    line.GetActionPlotURI(actionPlot);
-    line.GetActionPlotFlag(actionFlag);
+    if (line.GetConditionPlotURI(conditionPlot) && !conditionPlot.empty())
+        line.GetConditionPlotFlag(conditionFlag);
+    if (line.GetActionPlotURI(actionPlot) && !actionPlot.empty())
+        line.GetActionPlotFlag(actionFlag);
     if ((!conditionPlot.empty() && conditionFlag == -1) ||
         (!actionPlot.empty() && actionFlag == -1))
         out.push_back(u"The line has plots with no plot flags selected");
@@ -78,14 +80,13 @@ void LineRules::CheckLine(const ConversationNode& node, std::vector<std::u16stri
     if (!node.isNPC && node.isAmbient && !text.empty())
         out.push_back(u"Player lines cannot be flagged as ambient if they have text");
 
-    std::u16string texture;
-    line.GetSlideShowTexture(texture);
     // A slide-show line shows a picture instead of spoken text, so its length doesn't matter.
-    if (texture.empty() && !text.empty()) {
-        std::size_t limit = node.isNPC ? kMaxNPCLineLength : kMaxPlayerLineLength;
-        // Quick way out: the normal form is never longer than the text.
-        if (text.size() > limit && NormalFormLength(text) > limit)
-            out.push_back(u"Line exceeds maximum length allowed by game");
+    // The normal form is never longer than the text, so short texts need no more.
+    std::size_t limit = node.isNPC ? kMaxNPCLineLength : kMaxPlayerLineLength;
+    if (text.size() > limit && NormalFormLength(text) > limit) {
+        std::u16string texture;
+        line.GetSlideShowTexture(texture);
+        if (texture.empty()) out.push_back(u"Line exceeds maximum length allowed by game");
     }
 
     if (!node.isNPC) return;
