@@ -331,8 +331,25 @@ void MainWindow::ReplaceErrors(std::u16string_view resource,
     errors_->Replace(resource, errors);
 }
 
-bool MainWindow::ShowLine(const QString& resource, int /*line*/) {
-    return OpenResource(resource);
+bool MainWindow::ShowLine(const QString& resource, int line) {
+    if (!OpenResource(resource)) return false;
+    EditorTab* tab = ActiveEditor();
+    if (line >= 0) {
+        HRESULT r = tab->GoToLine(line);
+        if (r == E_INVALIDARG) {
+            Tell(ts::Format(u"%ls has no line %d.", tab->ResourceName(), line), MB_ICONINFORMATION);
+            return false;
+        }
+        if (FAILED(r)) {
+            Tell(ts::Format(u"The editor of %ls cannot go to a line.", tab->ResourceName()),
+                 MB_ICONINFORMATION);
+            return false;
+        }
+    }
+    // The user goes on in the editor, from the line; its command states follow the selection.
+    tab->FocusEditor();
+    RefreshState();
+    return true;
 }
 
 bool MainWindow::MoveInHistory(int steps) {

@@ -54,8 +54,9 @@ public:
     // An editor's error list for `resource`, shown in the Error List (the host user interface
     // hands it on).
     void ReplaceErrors(std::u16string_view resource, const std::vector<ts::ErrorEntry>& errors);
-    // Opens "NAME.TYPE" (or shows its tab) for its line `line` (-1: the resource as a whole);
-    // false after telling the user why when the resource cannot be opened.
+    // Opens "NAME.TYPE" (or shows its tab) and selects its line `line` (-1: the resource as a
+    // whole, nothing to select); false after telling the user why when the resource cannot be
+    // opened or has no such line.
     bool ShowLine(const QString& resource, int line);
 
     EditorTab* ActiveEditor() const;

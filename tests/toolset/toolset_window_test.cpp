@@ -17,6 +17,7 @@
 #include <QTreeView>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 
 #include "command_menus.h"
@@ -102,6 +103,20 @@ protected:
         for (int row = 0; row < model.rowCount(under); ++row)
             rows += AllRows(model, model.index(row, 0, under));
         return rows;
+    }
+    // `index`'s place in a pre-order walk of the whole tree, the first item 0; -1 when absent.
+    static int PreOrderNumber(QAbstractItemModel& model, const QModelIndex& index) {
+        int number = 0;
+        std::function<bool(const QModelIndex&)> walk = [&](const QModelIndex& under) {
+            for (int row = 0; row < model.rowCount(under); ++row) {
+                QModelIndex at = model.index(row, 0, under);
+                if (at == index) return true;
+                ++number;
+                if (walk(at)) return true;
+            }
+            return false;
+        };
+        return walk({}) ? number : -1;
     }
     // Every item's text in pre-order: the tree's shape and contents in one comparable value.
     static QStringList Texts(QAbstractItemModel& model, const QModelIndex& under = {}) {
@@ -394,6 +409,8 @@ TEST_F(ToolsetWindow, TheErrorListFollowsTheEditorsAndLeadsToTheirLines) {
         });
     ui.AnswerOnTerminal(stderr);
     window.show();
+    window.activateWindow();  // the keyboard goes where the user goes
+    QApplication::processEvents();
     ASSERT_TRUE(window.OpenModule(QString::fromStdString(CopyOfDemo("errors"))));
     toolset::ErrorListDock& errors = window.Errors();
     auto shown = [&errors] {
@@ -433,29 +450,35 @@ TEST_F(ToolsetWindow, TheErrorListFollowsTheEditorsAndLeadsToTheirLines) {
     window.ReplaceErrors(u"another.dlg", {});
     EXPECT_EQ(choices->count(), 2);
 
-    // Enter on a row shows the conversation's tab.
+    // Enter on a row shows the conversation's tab with the row's line selected (the tree's
+    // pre-order number of the current item, the root 0).
     ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
     QTreeView& list = errors.View();
     list.setCurrentIndex(list.model()->index(8, 0));
     QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
     QApplication::sendEvent(&list, &enter);
     ASSERT_EQ(window.ActiveEditor()->ResourceName(), u"faulty_examples.dlg");
-
-    // The list follows the editor at once: a line inserted under line 1 moves the faults after
-    // it down by one, and undo moves them back.
     QAbstractItemModel& tree = *Tree().model();
-    Tree().setCurrentIndex(tree.index(0, 0, tree.index(0, 0)));
-    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.DialogEditor.Insert.Line")));
-    EXPECT_EQ(lines(), (std::vector<int>{0, 2, 5, 6, 7, 8, 10, 12, 15}));
-    window.UndoAction()->trigger();
-    EXPECT_EQ(shown(), expected.str());
-
-    // The picture: the faulty conversation open beside its faults.
+    EXPECT_EQ(PreOrderNumber(tree, Tree().currentIndex()), 14);
+    EXPECT_TRUE(Tree().hasFocus()) << "the keyboard goes with the user, to the editor";
+    // The picture: the faulty conversation beside its faults, the chosen one's line selected.
     ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
     errors.raise();
     QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_error_list.png");
     QFile::remove(shot);
     ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
+
+    // The list follows the editor at once: deleting the line takes its fault away and undo
+    // brings it back; a line inserted under line 1 moves the faults after it down by one.
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.Delete")));
+    EXPECT_EQ(lines(), (std::vector<int>{0, 2, 4, 5, 6, 7, 9, 11}));
+    window.UndoAction()->trigger();
+    EXPECT_EQ(shown(), expected.str());
+    Tree().setCurrentIndex(tree.index(0, 0, tree.index(0, 0)));
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.DialogEditor.Insert.Line")));
+    EXPECT_EQ(lines(), (std::vector<int>{0, 2, 5, 6, 7, 8, 10, 12, 15}));
+    window.UndoAction()->trigger();
+    EXPECT_EQ(shown(), expected.str());
 
     // Closing the conversation takes its faults away.
     window.CloseCurrent();
