@@ -72,10 +72,7 @@ TEST_F(PropertyModifyCommand, SetsOneNodeAndRestoresIt) {
     Node speaker = MakeNode(u"Speaker", kTsTypeString, Text(u"OWNER"));
     auto command = Modify::Make(u"Speaker Change", speaker.Get(), Text(u"orla"), 16);
     ASSERT_TRUE(command);
-    EXPECT_EQ(command->Property().Get(), speaker.Get());
     EXPECT_EQ(command->Before(), Text(u"OWNER"));
-    EXPECT_EQ(command->After(), Text(u"orla"));
-    EXPECT_EQ(command->ChangeFlags(), 16u);
     ExpectRoundTrip(std::move(command), {speaker}, {Text(u"orla")});
 
     // Nothing to read a before-value from: no node, or a list node.

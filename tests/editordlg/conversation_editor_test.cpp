@@ -87,7 +87,7 @@ protected:
     CConversationEditorWnd* wnd_ = nullptr;
 };
 
-TEST_F(ConversationEditor, LoadsShowsAndGivesTheConversationBack) {
+TEST_F(ConversationEditor, LoadsAndShowsTheConversation) {
     ASSERT_EQ(object_->Load(resource_.Get()), S_OK);
     EXPECT_EQ(Items().GetSelection(), Items().GetRootItem());
     EXPECT_TRUE(Items().IsExpanded(Items().GetRootItem()));
@@ -102,18 +102,6 @@ TEST_F(ConversationEditor, LoadsShowsAndGivesTheConversationBack) {
     EXPECT_EQ(doc.References(TsAddAtom(u"plo")), (std::set<std::u16string>{u"inn_plot"}));
     EXPECT_EQ(doc.References(TsAddAtom(u"stg")), (std::set<std::u16string>{u"inn_stage"}));
     EXPECT_TRUE(doc.References(TsAddAtom(u"cut")).empty());
-
-    // The content goes back into any resource object; other objects are not resources.
-    auto out = CTsComObject<FakeResource>::Create(u"copy.dlg");
-    ASSERT_EQ(object_->GetContent(out.Get()), S_OK);
-    CTsComPtr<ITsProperty> root;
-    ASSERT_EQ(out->GetRootProperty(root.Put()), S_OK);
-    CAgentConversation written;
-    written.Bind(root.Get());
-    EXPECT_EQ(written.NPCLineListCount(), 3u);
-    EXPECT_EQ(written.PlayerLineListCount(), 2u);
-    auto other = CTsComObject<ts::test::OtherPayload>::Create();
-    EXPECT_EQ(object_->GetContent(other.Get()), E_NOTIMPL);
 
     // Loading again without a resource object keeps the tree and marks it modified.
     ASSERT_EQ(object_->Load(nullptr), S_OK);
@@ -146,13 +134,18 @@ TEST_F(ConversationEditor, TheHostUndoesEditsAndGetsACopyOfTheConversation) {
     ASSERT_EQ(undo->Redo(), S_OK);
     EXPECT_EQ(undo->Redo(), S_FALSE);
 
-    // The copy: changing it changes nothing in the editor.
+    // The content goes into any resource object, inserted line and all; other objects are not
+    // resources. The copy: changing it changes nothing in the editor.
+    auto other = CTsComObject<ts::test::OtherPayload>::Create();
+    EXPECT_EQ(object_->GetContent(other.Get()), E_NOTIMPL);
     auto out = CTsComObject<FakeResource>::Create(u"copy.dlg");
     ASSERT_EQ(object_->GetContent(out.Get()), S_OK);
     CTsComPtr<ITsProperty> root;
     ASSERT_EQ(out->GetRootProperty(root.Put()), S_OK);
     CAgentConversation written;
     written.Bind(root.Get());
+    EXPECT_EQ(written.NPCLineListCount(), 3u);
+    EXPECT_EQ(written.PlayerLineListCount(), 3u);
     CTsComPtr<ITsProperty> first;
     ASSERT_TRUE(written.GetNPCLineListItem(0, first));
     CAgentConversationLine line;

@@ -20,6 +20,62 @@
 
 namespace dlg::test {
 
+// The first broken rule of an open tree, or "" when it holds them all: lines alternate NPC and
+// player by depth under the root, links have no children and point at lines in the tree of
+// their own kind, TreeIndex numbers the items in pre-order, the link index holds exactly the
+// links of the tree, and writing back then building again gives the same tree.
+inline std::string BrokenRule(const ConversationTree& tree, const ConversationEdits& edits) {
+    LineRules rules;
+    const ItemTree& items = tree.Items();
+    std::int32_t number = 0;
+    std::size_t links = 0;
+    for (TreeItem item = tree.RootItem(); item != kNoItem; item = items.NextInPreOrder(item)) {
+        ConversationNode* node = tree.NodeOf(item);
+        std::int32_t expected = number++;
+        if (item == tree.RootItem()) continue;
+        std::string at = " at TreeIndex " + std::to_string(expected);
+        if (!node) return "an item without a node" + at;
+        if (node->TreeIndex != expected || tree.NodeAt(expected) != node)
+            return "numbering is not pre-order" + at;
+        ConversationNode* parent = tree.NodeOf(items.GetParent(item));
+        bool npcExpected = parent ? !parent->isNPC : true;
+        if (node->isNPC != npcExpected) return "kinds do not alternate" + at;
+        if (parent && parent->isLink) return "a link has children" + at;
+        bool own = false;
+        if (!node->isLink) node->line.GetAmbient(own);
+        if (node->isAmbient != (own || (parent && parent->isAmbient)))
+            return "a stale ambient flag" + at;
+        std::vector<std::u16string> faults;
+        if (!node->isLink) rules.CheckLine(*node, faults);
+        if (faults != node->faults) return "stale faults" + at;
+        if (node->isLink) {
+            ++links;
+            const ConversationNode* target = node->linkTarget;
+            if (!target || target->isLink || target->isNPC != node->isNPC ||
+                !items.IsInTree(target->treeItem))
+                return "a link does not point at a line of its kind" + at;
+            const auto& index = edits.Links().LinksTo(*target);
+            if (std::find(index.begin(), index.end(), node) == index.end())
+                return "the link index misses a link" + at;
+        }
+    }
+    if (std::size_t(number) != tree.NodeCount()) return "the numbering table has stale entries";
+    if (edits.Links().LinkCount() != links) return "the link index holds links not in the tree";
+
+    CAgentConversation out;
+    if (!tree.WriteBack(out)) return "write-back failed";
+    CTsComPtr<ITsProperty> written(out.GetNode());
+    ConversationTree again;
+    std::u16string error;
+    if (!again.Build(written.Get(), error)) return "the written tree does not load";
+    CAgentConversation rewritten;
+    if (!again.WriteBack(rewritten)) return "write-back of the reloaded tree failed";
+    std::u16string difference;
+    if (!ts::PropertyTreesEqual(written.Get(), rewritten.GetNode(), &difference))
+        return "write-back then load changes the tree: " + ts::Utf16ToUtf8(difference);
+    return {};
+}
+
 class OpenConversation {
 public:
     explicit OpenConversation(ITsProperty* resource) {
@@ -37,59 +93,8 @@ public:
         return CTsComPtr<ITsProperty>(out.GetNode());
     }
 
-    // The first broken rule of the tree, or "" when it holds them all: lines alternate NPC and
-    // player by depth under the root, links have no children and point at lines in the tree of
-    // their own kind, TreeIndex numbers the items in pre-order, the link index holds exactly the
-    // links of the tree, and writing back then building again gives the same tree.
-    std::string Broken() const {
-        const ItemTree& items = tree.Items();
-        std::int32_t number = 0;
-        std::size_t links = 0;
-        for (TreeItem item = tree.RootItem(); item != kNoItem; item = items.NextInPreOrder(item)) {
-            ConversationNode* node = tree.NodeOf(item);
-            std::int32_t expected = number++;
-            if (item == tree.RootItem()) continue;
-            std::string at = " at TreeIndex " + std::to_string(expected);
-            if (!node) return "an item without a node" + at;
-            if (node->TreeIndex != expected || tree.NodeAt(expected) != node)
-                return "numbering is not pre-order" + at;
-            ConversationNode* parent = tree.NodeOf(items.GetParent(item));
-            bool npcExpected = parent ? !parent->isNPC : true;
-            if (node->isNPC != npcExpected) return "kinds do not alternate" + at;
-            if (parent && parent->isLink) return "a link has children" + at;
-            bool own = false;
-            if (!node->isLink) node->line.GetAmbient(own);
-            if (node->isAmbient != (own || (parent && parent->isAmbient)))
-                return "a stale ambient flag" + at;
-            std::vector<std::u16string> faults;
-            if (!node->isLink) rules.CheckLine(*node, faults);
-            if (faults != node->faults) return "stale faults" + at;
-            if (node->isLink) {
-                ++links;
-                const ConversationNode* target = node->linkTarget;
-                if (!target || target->isLink || target->isNPC != node->isNPC ||
-                    !items.IsInTree(target->treeItem))
-                    return "a link does not point at a line of its kind" + at;
-                const auto& index = edits.Links().LinksTo(*target);
-                if (std::find(index.begin(), index.end(), node) == index.end())
-                    return "the link index misses a link" + at;
-            }
-        }
-        if (std::size_t(number) != tree.NodeCount()) return "the numbering table has stale entries";
-        if (edits.Links().LinkCount() != links) return "the link index holds links not in the tree";
-
-        CTsComPtr<ITsProperty> written = Written();
-        if (!written) return "write-back failed";
-        ConversationTree again;
-        std::u16string error;
-        if (!again.Build(written.Get(), error)) return "the written tree does not load";
-        CAgentConversation rewritten;
-        if (!again.WriteBack(rewritten)) return "write-back of the reloaded tree failed";
-        std::u16string difference;
-        if (!ts::PropertyTreesEqual(written.Get(), rewritten.GetNode(), &difference))
-            return "write-back then load changes the tree: " + ts::Utf16ToUtf8(difference);
-        return {};
-    }
+    // The first broken rule of the tree, or "" when it holds them all (see BrokenRule).
+    std::string Broken() const;
 
     // Runs the command through the stack and checks it both ways: applied, `check` holds and
     // the tree is sound; undone, the conversation writes back exactly as before; redone, `check`
@@ -116,10 +121,13 @@ public:
     ConversationTree tree;
     ConversationEdits edits{tree};
     ConversationValidation validation{tree};
-    mutable LineRules rules;
     CTsUndoSupportBase stack{kTsDefaultUndoDepth};
     bool loaded = false;
 };
+
+inline std::string OpenConversation::Broken() const {
+    return BrokenRule(tree, edits);
+}
 
 // A new line with `text` appended under `parent`, of the kind that fits there.
 inline std::unique_ptr<CUndoCommandAddRemoveNodes> Insertion(OpenConversation& c, TreeItem parent,

@@ -72,6 +72,13 @@ std::unique_ptr<CUndoCommandAddRemoveNodes> Removal(OpenConversation& c, TreeIte
     return command;
 }
 
+// Moves `item` under the line numbered `parent`, to `row` among its children.
+std::unique_ptr<CUndoCommandMoveNode> Move(OpenConversation& c, TreeItem item, std::int32_t parent,
+                                           std::int32_t row) {
+    return std::make_unique<CUndoCommandMoveNode>(
+        u"Drag Node", c.edits, CUndoMoveTriple{c.edits.IndexOf(item), parent, row});
+}
+
 TEST(UndoCommands, EachCommandAppliesUndoesAndRedoesOnTheTree) {
     Guard g;
     OpenConversation c(g.Resource());
@@ -123,21 +130,15 @@ TEST(UndoCommands, EachCommandAppliesUndoesAndRedoesOnTheTree) {
     ASSERT_TRUE(c.stack.Undo());
 
     // Moving "Goodbye." before "Trade."; then the market branch under "Goodbye.".
-    c.RoundTrip(std::make_unique<CUndoCommandMoveNode>(
-                    u"Drag Node", c.edits,
-                    CUndoMoveTriple{c.edits.IndexOf(leave), c.edits.IndexOf(halt), 0}),
-                [&] {
-                    EXPECT_EQ(c.tree.Items().GetChild(halt), leave);
-                    EXPECT_EQ(c.tree.Items().GetSelection(), leave);
-                });
+    c.RoundTrip(Move(c, leave, c.edits.IndexOf(halt), 0), [&] {
+        EXPECT_EQ(c.tree.Items().GetChild(halt), leave);
+        EXPECT_EQ(c.tree.Items().GetSelection(), leave);
+    });
     TreeItem market = Find(c, u"[[OWNER]] Market's east.");
-    c.RoundTrip(std::make_unique<CUndoCommandMoveNode>(
-                    u"Drag Node", c.edits,
-                    CUndoMoveTriple{c.edits.IndexOf(market), c.edits.IndexOf(leave), -1}),
-                [&] {
-                    EXPECT_EQ(c.tree.Items().GetText(leave), u"Goodbye.");
-                    EXPECT_EQ(c.tree.Items().GetText(trade), u"Trade. [END DIALOGUE]");
-                });
+    c.RoundTrip(Move(c, market, c.edits.IndexOf(leave), -1), [&] {
+        EXPECT_EQ(c.tree.Items().GetText(leave), u"Goodbye.");
+        EXPECT_EQ(c.tree.Items().GetText(trade), u"Trade. [END DIALOGUE]");
+    });
 
     // A text change shows in the line's label and in the link that shows it.
     c.RoundTrip(
@@ -205,33 +206,21 @@ TEST(UndoCommands, RecordsThatDoNotMatchTheTreeFailAndChangeNothing) {
     CTsComPtr<ITsProperty> before = c.Written();
     const std::u16string outline = Outline(c);
 
-    struct Case {
-        const char* what;
-        std::function<std::unique_ptr<CTsUndoCommand>()> make;
+    // A record gone stale: the command's first record changed by `tweak`.
+    auto stale = [](auto command, void (*tweak)(CUndoNodeRecord&)) {
+        tweak(const_cast<CUndoNodeRecord&>(command->Nodes()[0]));
+        return command;
     };
-    std::vector<Case> cases = {
+    const std::pair<const char*, std::function<std::unique_ptr<CTsUndoCommand>()>> cases[] = {
         {"a stale index",
-         [&] {
-             auto command = Removal(c, again);
-             const_cast<CUndoNodeRecord&>(command->Nodes()[0]).treeIndex = 999;
-             return std::unique_ptr<CTsUndoCommand>(std::move(command));
-         }},
+         [&] { return stale(Removal(c, again), [](CUndoNodeRecord& r) { r.treeIndex = 999; }); }},
         {"a wrong position",
-         [&] {
-             auto command = Removal(c, again);
-             const_cast<CUndoNodeRecord&>(command->Nodes()[0]).position = 3;
-             return std::unique_ptr<CTsUndoCommand>(std::move(command));
-         }},
+         [&] { return stale(Removal(c, again), [](CUndoNodeRecord& r) { r.position = 3; }); }},
         {"a line a link elsewhere still points at",
-         [&] {
-             return std::unique_ptr<CTsUndoCommand>(
-                 Removal(c, Find(c, u"Goodbye. [END DIALOGUE]")));
-         }},
+         [&] { return Removal(c, Find(c, u"Goodbye. [END DIALOGUE]")); }},
         {"an insertion past the last child",
          [&] {
-             auto command = Insertion(c, again, u"x");
-             const_cast<CUndoNodeRecord&>(command->Nodes()[0]).position = 5;
-             return std::unique_ptr<CTsUndoCommand>(std::move(command));
+             return stale(Insertion(c, again, u"x"), [](CUndoNodeRecord& r) { r.position = 5; });
          }},
         {"a player line under a player line",
          [&] {
@@ -241,26 +230,17 @@ TEST(UndoCommands, RecordsThatDoNotMatchTheTreeFailAndChangeNothing) {
                  std::make_unique<CUndoCommandAddRemoveNodes>(u"Insert Line", c.edits, true);
              command->AddNode(CUndoCommandAddRemoveNodes::AppendTo(c.edits, again,
                                                                    c.edits.NewLine(false, line)));
-             return std::unique_ptr<CTsUndoCommand>(std::move(command));
+             return command;
          }},
-        {"a move into its own branch",
-         [&] {
-             return std::unique_ptr<CTsUndoCommand>(std::make_unique<CUndoCommandMoveNode>(
-                 u"Drag Node", c.edits,
-                 CUndoMoveTriple{c.edits.IndexOf(halt), c.edits.IndexOf(again), 0}));
-         }},
-        {"a move to a parent that does not exist",
-         [&] {
-             return std::unique_ptr<CTsUndoCommand>(std::make_unique<CUndoCommandMoveNode>(
-                 u"Drag Node", c.edits, CUndoMoveTriple{c.edits.IndexOf(again), 500, 0}));
-         }},
+        {"a move into its own branch", [&] { return Move(c, halt, c.edits.IndexOf(again), 0); }},
+        {"a move to a parent that does not exist", [&] { return Move(c, again, 500, 0); }},
     };
-    for (Case& test : cases) {
-        SCOPED_TRACE(test.what);
+    for (const auto& [what, make] : cases) {
+        SCOPED_TRACE(what);
         ASSERT_TRUE(c.stack.AddCommand(Insertion(c, halt, u"Kept"), true));
         ASSERT_TRUE(c.stack.Undo());
         ts::test::ReportCapture reports;
-        EXPECT_FALSE(c.stack.AddCommand(test.make(), true));
+        EXPECT_FALSE(c.stack.AddCommand(make(), true));
         EXPECT_EQ(c.stack.UndoCount() + c.stack.RedoCount(), 0u) << "the history is cleared";
         bool named = false;
         for (const auto& e : reports.entries())
@@ -365,11 +345,7 @@ TEST(UndoCommands, DeepChainsAndWideParentsLoadEditAndUndo) {
     ASSERT_TRUE(w.loaded);
     TreeItem choose = w.tree.Items().GetChild(w.tree.RootItem());
     TreeItem first = w.tree.Items().GetChild(choose);
-    ASSERT_TRUE(w.stack.AddCommand(
-        std::make_unique<CUndoCommandMoveNode>(
-            u"Drag Node", w.edits,
-            CUndoMoveTriple{w.edits.IndexOf(first), w.edits.IndexOf(choose), 49999}),
-        true));
+    ASSERT_TRUE(w.stack.AddCommand(Move(w, first, w.edits.IndexOf(choose), 49999), true));
     EXPECT_EQ(w.tree.Items().GetLastChild(choose), first);
     EXPECT_EQ(w.edits.IndexOf(first), 50001);
     ASSERT_TRUE(w.stack.Undo());

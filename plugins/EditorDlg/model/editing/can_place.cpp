@@ -83,6 +83,8 @@ Placement CanPlace(const ConversationTree& tree, TreeItem target,
     // A link can't be a starting line, and its line must be a line. A link back to a line from
     // inside its own branch is allowed: that is how a conversation returns to an earlier question.
     if (sourceIsRoot || receiving == tree.RootItem()) return Placement::Refuse;
+    // Links are made only to lines that stand in the tree (not to a branch cut away).
+    if (&sourceTree != &tree || !items.IsInTree(source)) return Placement::Refuse;
     if (npc && items.GetParent(receiving) == tree.RootItem() && tree.NodeOf(receiving)->isNPC)
         return Placement::Refuse;
     return answer;

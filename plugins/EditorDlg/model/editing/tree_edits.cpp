@@ -176,7 +176,9 @@ bool MoveBranch(CConversationEditorWnd& window, TreeItem dragged, TreeItem drop)
     TreeItem parent = placement == Placement::AsChild ? drop : items.GetParent(drop);
     std::int32_t row;
     if (placement == Placement::AsChild) {
-        row = static_cast<std::int32_t>(items.ChildCount(drop));  // appended; past the end is last
+        // Appended, counted without the dragged line when it is a child of the drop item already.
+        std::size_t count = items.ChildCount(drop) - (items.GetParent(dragged) == drop ? 1 : 0);
+        row = static_cast<std::int32_t>(count);
     } else {
         // After the drop item, counted without the dragged line itself.
         std::size_t dropRow = items.RowOf(drop);
