@@ -92,18 +92,27 @@ ErrorListDock::ErrorListDock(QWidget* parent)
 
 void ErrorListDock::Replace(std::u16string_view resource,
                             const std::vector<ts::ErrorEntry>& errors) {
-    if (list_.Replace(resource, errors)) Show();
+    // Read before the list changes: until the view is reset its rows point into the old list.
+    std::optional<ErrorListRow> current = CurrentRow();
+    if (list_.Replace(resource, errors)) Show(current);
 }
 
 void ErrorListDock::Clear() {
+    std::optional<ErrorListRow> current = CurrentRow();
     list_.Clear();
-    Show();
+    Show(current);
 }
 
 void ErrorListDock::SetFilter(const QString& resource) {
     if (resource == filter_) return;
     filter_ = resource;
-    Show();
+    Show(CurrentRow());
+}
+
+std::optional<ErrorListRow> ErrorListDock::CurrentRow() const {
+    QModelIndex current = view_->currentIndex();
+    if (!current.isValid()) return std::nullopt;
+    return rows_->At(current.row());
 }
 
 int ErrorListDock::Count() const {
@@ -114,17 +123,14 @@ const ErrorListRow& ErrorListDock::ShownRow(int row) const {
     return rows_->At(row);
 }
 
-void ErrorListDock::Show() {
+void ErrorListDock::Show(const std::optional<ErrorListRow>& current) {
     // The list is remade after every edit; the row the user stands on stays current when it is
     // still there, so that going through the faults one by one survives fixing them.
-    QModelIndex current = view_->currentIndex();
-    std::optional<ErrorListRow> kept;
-    if (current.isValid()) kept = rows_->At(current.row());
     rows_->Show(list_.Filtered(filter_.toStdU16String()));
-    if (kept)
+    if (current)
         for (int row = 0; row < Count(); ++row)
-            if (rows_->At(row) == *kept) {
-                view_->setCurrentIndex(rows_->index(row, current.column()));
+            if (rows_->At(row) == *current) {
+                view_->setCurrentIndex(rows_->index(row, 0));
                 break;
             }
     FillFilterChoices();

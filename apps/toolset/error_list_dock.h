@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDockWidget>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -40,7 +41,9 @@ signals:
     void lineRequested(const QString& resource, int line);
 
 private:
-    void Show();
+    std::optional<ErrorListRow> CurrentRow() const;
+    // Shows the rows the filter lets through, with `current` current again if it is among them.
+    void Show(const std::optional<ErrorListRow>& current);
     void FillFilterChoices();
 
     ErrorList list_;
