@@ -15,7 +15,7 @@ TEST_F(CliDemoModule, ValidatePrintsEachFaultAndSaysWhetherAnyWasFound) {
     auto all = RunToolsetCli({"validate", demo});
     EXPECT_EQ(all.exitCode, 1) << all.err;
     EXPECT_EQ(all.out, ReadWholeFile(TS_FAULTY_EXAMPLES));
-    EXPECT_EQ(all.err, "toolset-cli: 9 faults in 1 of 3 conversations\n");
+    EXPECT_EQ(all.err, "toolset-cli: 10 faults in 1 of 3 conversations\n");
 
     // Named ones only, in any case, each once.
     auto clean = RunToolsetCli(
