@@ -79,6 +79,7 @@ MainWindow::MainWindow(bool keepLayout, QWidget* parent)
             [this](const QString& name, const QString& type) { OpenResource(name, type); });
     connect(commands_, &CommandMenus::commandRun, this, &MainWindow::RefreshState);
     connect(history_, &UndoHistoryDock::stepsRequested, this, &MainWindow::MoveInHistory);
+    connect(errors_, &ErrorListDock::lineRequested, this, &MainWindow::ShowLine);
 
     loader_.Scan(ts::DefaultPluginFolder());
     ts::SetEditorSaver([this](IUnknown* editor, std::uint32_t) { return SaveEditor(editor); });
@@ -185,6 +186,7 @@ void MainWindow::CloseModule() {
         delete tab;
     }
     commands_->Show(nullptr);
+    errors_->Clear();
     if (resources_) TsRegisterHostComponent(kTsResourceManagerName, nullptr);
     resources_.Reset();
     store_.reset();
@@ -304,7 +306,11 @@ void MainWindow::CloseTab(int index) {
         if (answer == IDYES && tab->Save() != S_OK) return;
     }
     tabs_->removeTab(index);
+    // The list holds the faults of open resources only; the editor clears its own as it closes,
+    // and the host makes sure.
+    std::u16string closed = tab->ResourceName();
     delete tab;
+    errors_->Replace(closed, {});
     ActiveTabChanged();
 }
 
@@ -318,6 +324,32 @@ bool MainWindow::RunCommand(const QString& name) {
     bool ran = tab && id != kTsNoCommandId && tab->Execute(id) == S_OK;
     RefreshState();
     return ran;
+}
+
+void MainWindow::ReplaceErrors(std::u16string_view resource,
+                               const std::vector<ts::ErrorEntry>& errors) {
+    errors_->Replace(resource, errors);
+}
+
+bool MainWindow::ShowLine(const QString& resource, int line) {
+    if (!OpenResource(resource)) return false;
+    EditorTab* tab = ActiveEditor();
+    if (line >= 0) {
+        HRESULT r = tab->GoToLine(line);
+        if (r == E_INVALIDARG) {
+            Tell(ts::Format(u"%ls has no line %d.", tab->ResourceName(), line), MB_ICONINFORMATION);
+            return false;
+        }
+        if (FAILED(r)) {
+            Tell(ts::Format(u"The editor of %ls cannot go to a line.", tab->ResourceName()),
+                 MB_ICONINFORMATION);
+            return false;
+        }
+    }
+    // The user goes on in the editor, from the line; its command states follow the selection.
+    tab->FocusEditor();
+    RefreshState();
+    return true;
 }
 
 bool MainWindow::MoveInHistory(int steps) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ts/comptr.h"
+#include "ts/hostui.h"
 #include "ts/pluginloader.h"
 #include "ts/resourcemanager.h"
 #include "ts/resourcestore.h"
@@ -49,6 +50,14 @@ public:
     void CloseCurrent();
     // Runs a command of the active editor by name; false when there is none or it is disabled.
     bool RunCommand(const QString& name);
+
+    // An editor's error list for `resource`, shown in the Error List (the host user interface
+    // hands it on).
+    void ReplaceErrors(std::u16string_view resource, const std::vector<ts::ErrorEntry>& errors);
+    // Opens "NAME.TYPE" (or shows its tab) and selects its line `line` (-1: the resource as a
+    // whole, nothing to select); false after telling the user why when the resource cannot be
+    // opened or has no such line.
+    bool ShowLine(const QString& resource, int line);
 
     EditorTab* ActiveEditor() const;
     int EditorCount() const;
