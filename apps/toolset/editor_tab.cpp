@@ -130,9 +130,12 @@ HRESULT EditorTab::Execute(std::uint32_t id) {
 }
 
 HRESULT EditorTab::GoToLine(int line) {
-    if (!markers_) return E_NOINTERFACE;
     // A navigation location names only what it gives: here the line alone.
-    std::u16string location = ts::Format(u"StartLine=%d", line);
+    return GoToLocation(ts::Format(u"StartLine=%d", line));
+}
+
+HRESULT EditorTab::GoToLocation(const std::u16string& location) {
+    if (!markers_) return E_NOINTERFACE;
     HRESULT r = markers_->GoToMarker(location.c_str());
     return r == E_NOTIMPL ? E_NOINTERFACE : r;
 }

@@ -52,6 +52,8 @@ public:
     // through the editor's markers: S_OK; E_INVALIDARG when the editor has no such line;
     // E_NOINTERFACE when it has no markers to go by.
     HRESULT GoToLine(int line);
+    // The same for a marker location text ("StartLine=18&Field=11").
+    HRESULT GoToLocation(const std::u16string& location);
 
     // Gives the keyboard to the editor: the first of its widgets that takes focus (the tree).
     void FocusEditor();

@@ -18,6 +18,7 @@
 #include "log_dock.h"
 #include "qt_text.h"
 #include "resource_palette.h"
+#include "search_results_dock.h"
 #include "ts/editorhost.h"
 #include "ts/environment.h"
 #include "ts/events.h"
@@ -54,6 +55,7 @@ MainWindow::MainWindow(bool keepLayout, QWidget* parent)
       palette_(new ResourcePalette(this)),
       log_(new LogDock(this)),
       errors_(new ErrorListDock(this)),
+      search_(new SearchResultsDock(this)),
       history_(new UndoHistoryDock(this)),
       commands_(new CommandMenus(*this, [this] { return ActiveEditor(); })),
       stateTimer_(new QTimer(this)) {
@@ -68,8 +70,10 @@ MainWindow::MainWindow(bool keepLayout, QWidget* parent)
     addDockWidget(Qt::BottomDockWidgetArea, log_);
     addDockWidget(Qt::BottomDockWidgetArea, errors_);
     addDockWidget(Qt::BottomDockWidgetArea, history_);
+    addDockWidget(Qt::BottomDockWidgetArea, search_);
     tabifyDockWidget(log_, errors_);
     tabifyDockWidget(errors_, history_);
+    tabifyDockWidget(history_, search_);
     log_->raise();
     BuildMenus();
 
@@ -80,6 +84,7 @@ MainWindow::MainWindow(bool keepLayout, QWidget* parent)
     connect(commands_, &CommandMenus::commandRun, this, &MainWindow::RefreshState);
     connect(history_, &UndoHistoryDock::stepsRequested, this, &MainWindow::MoveInHistory);
     connect(errors_, &ErrorListDock::lineRequested, this, &MainWindow::ShowLine);
+    connect(search_, &SearchResultsDock::placeRequested, this, &MainWindow::ShowPlace);
 
     loader_.Scan(ts::DefaultPluginFolder());
     ts::SetEditorSaver([this](IUnknown* editor, std::uint32_t) { return SaveEditor(editor); });
@@ -347,6 +352,19 @@ bool MainWindow::ShowLine(const QString& resource, int line) {
         }
     }
     // The user goes on in the editor, from the line; its command states follow the selection.
+    tab->FocusEditor();
+    RefreshState();
+    return true;
+}
+
+bool MainWindow::ShowPlace(const QString& resource, const QString& location) {
+    if (!OpenResource(resource)) return false;
+    EditorTab* tab = ActiveEditor();
+    if (FAILED(tab->GoToLocation(location.toStdU16String()))) {
+        Tell(ts::Format(u"%ls has changed since the search: run it again.", tab->ResourceName()),
+             MB_ICONINFORMATION);
+        return false;
+    }
     tab->FocusEditor();
     RefreshState();
     return true;

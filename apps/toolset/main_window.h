@@ -19,6 +19,7 @@ namespace toolset {
 class CommandMenus;
 class EditorTab;
 class ErrorListDock;
+class SearchResultsDock;
 class LogDock;
 class ResourcePalette;
 class UndoHistoryDock;
@@ -58,12 +59,15 @@ public:
     // whole, nothing to select); false after telling the user why when the resource cannot be
     // opened or has no such line.
     bool ShowLine(const QString& resource, int line);
+    // Opens `resource` (or shows its tab) and has its editor go to a marker location.
+    bool ShowPlace(const QString& resource, const QString& location);
 
     EditorTab* ActiveEditor() const;
     int EditorCount() const;
     ResourcePalette& Palette() const { return *palette_; }
     LogDock& Log() const { return *log_; }
     ErrorListDock& Errors() const { return *errors_; }
+    SearchResultsDock& SearchResults() const { return *search_; }
     UndoHistoryDock& History() const { return *history_; }
     CommandMenus& Commands() const { return *commands_; }
     QAction* UndoAction() const { return undo_; }
@@ -100,6 +104,7 @@ private:
     ResourcePalette* palette_;
     LogDock* log_;
     ErrorListDock* errors_;
+    SearchResultsDock* search_;
     UndoHistoryDock* history_;
     CommandMenus* commands_;
     QAction* save_ = nullptr;

@@ -28,6 +28,7 @@
 #include "qt_host_ui.h"
 #include "resource_palette.h"
 #include "screenshot.h"
+#include "search_results_dock.h"
 #include "support/conversation_builder.h"
 #include "support/demo_module.h"
 #include "support/scripted_ui.h"
@@ -484,6 +485,27 @@ TEST_F(ToolsetWindow, TheErrorListFollowsTheEditorsAndLeadsToTheirLines) {
     window.CloseCurrent();
     EXPECT_EQ(errors.Count(), 0);
     EXPECT_EQ(errors.windowTitle(), QStringLiteral("Error List"));
+}
+
+TEST_F(ToolsetWindow, FindLinksListsTheLinksAndLeadsToThem) {
+    toolset::QtHostUi ui(&window, {}, {});
+    ui.AnswerOnTerminal(stderr);
+    ASSERT_TRUE(window.OpenModule(QString::fromStdString(DemoPath())));
+    ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
+    QAbstractItemModel& tree = *Tree().model();
+    Tree().setCurrentIndex(Find(tree, QStringLiteral("I'm looking for work.")));
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.DialogEditor.FindLinks")));
+
+    toolset::SearchResultsDock& results = window.SearchResults();
+    ASSERT_EQ(results.Results().size(), 1u);
+    EXPECT_EQ(results.Results()[0].location, u"StartLine=18");
+    EXPECT_EQ(results.View().item(0)->text(), QStringLiteral("(18) : I'm looking for work."));
+    EXPECT_EQ(results.Status(), QStringLiteral("Search complete, 1 links found."));
+    EXPECT_TRUE(results.isVisibleTo(&window));
+
+    emit results.View().itemActivated(results.View().item(0));
+    EXPECT_EQ(PreOrderNumber(tree, Tree().currentIndex()), 18);
 }
 
 TEST(ToolsetLayout, TheWindowComesBackWhereTheUserLeftIt) {
