@@ -6,14 +6,21 @@
 #include <QApplication>
 #include <map>
 
-#include "core/undo_support.h"
-#include "model/conversation_edits.h"
+#include <QVBoxLayout>
+
+#include "core/window_interface.h"
+#include "model/conversation_editor_wnd.h"
+#include "model/editing/tree_edits.h"
 #include "model/tree_view_commands.h"
 #include "model/undo/undo_command_add_remove_nodes.h"
 #include "model/undo/undo_command_modify_node.h"
 #include "model/undo/undo_command_move_node.h"
 #include "support/conversation_generator.h"
 #include "support/plot_module.h"
+#include "ts/comobject.h"
+#include "ts/hostcomponents.h"
+#include "ts/hoststring.h"
+#include "ts/searchresults.h"
 #include "views/conversation_editor_view.h"
 
 namespace {
@@ -27,40 +34,79 @@ const CTsComPtr<ITsProperty>& Conversation(int lines) {
     return tree;
 }
 
-// An open conversation with its undo stack and its view, fully expanded, validated after every
-// edit against a module that holds its plot.
+// The toolset's resource object, holding the generated conversation.
+class Resource : public CTsComObjectRoot<ITsResource> {
+public:
+    explicit Resource(ITsProperty* root) : root_(root) {}
+    HRESULT GetName(char16_t** name) override {
+        *name = TsAllocString(u"generated.dlg");
+        return S_OK;
+    }
+    HRESULT GetRootProperty(ITsProperty** root) override {
+        *root = root_.Get();
+        (*root)->AddRef();
+        return S_OK;
+    }
+    HRESULT SetRootProperty(ITsProperty* root) override {
+        root_ = CTsComPtr<ITsProperty>(root);
+        return S_OK;
+    }
+
+private:
+    CTsComPtr<ITsProperty> root_;
+};
+
+// A search results window that only counts, so that Find Links is measured, not a log.
+class SearchResults : public CTsComObjectRoot<ITsSearchResults> {
+public:
+    HRESULT Clear() override { return S_OK; }
+    HRESULT AddResult(std::u16string_view, std::u16string_view, std::u16string_view) override {
+        ++count;
+        return S_OK;
+    }
+    HRESULT SetStatus(std::u16string_view) override { return S_OK; }
+    int count = 0;
+};
+
+using EditorObject = CTsComObject<CTsWindowInterface<CConversationEditorWnd>>;
+
+// The conversation editor as the toolset runs it: its window with the tree view in a frame on
+// screen (offscreen), every row expanded, validating against a module that holds the plot.
 struct Editor {
     ts::bench::PlotModule module;
-    ConversationTree tree;
-    ConversationValidation validation{tree};
-    ConversationEdits edits{tree};
-    CTsUndoSupportBase stack{kTsDefaultUndoDepth};
-    std::unique_ptr<ConversationEditorView> view;
+    QWidget frame;
+    CTsComPtr<EditorObject> object = EditorObject::Create();
+    CConversationEditorWnd* window = nullptr;
 
     explicit Editor(int lines) {
-        view = std::make_unique<ConversationEditorView>(tree.Items());
-        view->resize(1000, 700);
-        view->show();
-        std::u16string error;
-        if (!tree.Build(Conversation(lines).Get(), error)) std::abort();
-        edits.Reindex();
-        edits.SetValidation(&validation);
-        edits.ValidateAll();
-        RunExpandCommand(tree.Items(), ExpandCommand::ExpandAll);
+        InstallQtEditorView();
+        frame.setLayout(new QVBoxLayout);
+        frame.resize(1000, 700);
+        if (FAILED(object->CreateUIWindow(&frame)) ||
+            FAILED(object->Attach(1, u"generated.dlg", 0)))
+            std::abort();
+        auto resource = CTsComObject<Resource>::Create(Conversation(lines).Get());
+        if (object->Load(resource.Get()) != S_OK) std::abort();
+        window = object->GetWindow();
+        RunExpandCommand(Tree().Items(), ExpandCommand::ExpandAll);
+        frame.show();
         Settle();
     }
+    ~Editor() { object->CloseUIWindow(); }
     // Runs what the view left for its event loop: delayed layouts, the column fit, painting.
     static void Settle() { QApplication::processEvents(); }
 
-    TreeItem Line(std::int32_t treeIndex) const { return edits.ItemAt(treeIndex); }
+    ConversationTree& Tree() { return window->Document().Tree(); }
+    ConversationEdits& Edits() { return window->Document().Edits(); }
+    TreeItem Line(std::int32_t treeIndex) { return Edits().ItemAt(treeIndex); }
     // The full NPC line whose branch is nearest to `lines` lines.
-    TreeItem BranchOf(std::size_t lines) const {
-        const ItemTree& items = tree.Items();
+    TreeItem BranchOf(std::size_t lines) {
+        const ItemTree& items = Tree().Items();
         TreeItem best = kNoItem;
         std::size_t bestDistance = SIZE_MAX;
-        for (TreeItem i = items.GetChild(tree.RootItem()); i != kNoItem;
+        for (TreeItem i = items.GetChild(Tree().RootItem()); i != kNoItem;
              i = items.NextInPreOrder(i)) {
-            const ConversationNode* node = tree.NodeOf(i);
+            const ConversationNode* node = Tree().NodeOf(i);
             if (!node->isNPC || node->isLink) continue;
             std::size_t size = items.SubtreeSize(i);
             std::size_t distance = size > lines ? size - lines : lines - size;
@@ -68,19 +114,48 @@ struct Editor {
         }
         return best;
     }
+    // A line near the middle without children and without links to it, and one of the other
+    // kind to put it under.
+    TreeItem Leaf(bool npc) {
+        const ItemTree& items = Tree().Items();
+        for (TreeItem i = Line(std::int32_t(Tree().NodeCount() / 2)); i != kNoItem;
+             i = items.NextInPreOrder(i)) {
+            const ConversationNode* node = Tree().NodeOf(i);
+            if (node->isNPC == npc && !node->isLink && !items.HasChildren(i) &&
+                Edits().Links().LinksTo(*node).empty())
+                return i;
+        }
+        std::abort();
+    }
+    TreeItem LineOfKind(bool npc, std::int32_t from) {
+        const ItemTree& items = Tree().Items();
+        for (TreeItem i = Line(from); i != kNoItem; i = items.NextInPreOrder(i))
+            if (Tree().NodeOf(i)->isNPC == npc && !Tree().NodeOf(i)->isLink) return i;
+        std::abort();
+    }
+    void Select(TreeItem item) { Tree().Items().Select(item); }
     void Run(std::unique_ptr<CTsUndoCommand> command) {
-        if (!stack.AddCommand(std::move(command), true)) std::abort();
-        Publish();
+        if (!window->Perform(std::move(command))) std::abort();
+        Settle();
+    }
+    template <class Operation>
+    void Do(Operation operation) {
+        if (!operation()) std::abort();
         Settle();
     }
     void Undo() {
-        if (!stack.Undo()) std::abort();
-        Publish();
+        if (!window->Undo()) std::abort();
         Settle();
     }
-    // What the window hands the host after a command whose faults or numbering changed.
-    void Publish() {
-        if (validation.TakeChanged()) benchmark::DoNotOptimize(validation.Errors());
+    // Times `operation` (an edit that returns whether it was made), then undoes it untimed.
+    template <class Operation>
+    void TimeThenUndo(benchmark::State& state, Operation operation) {
+        for (auto _ : state) {
+            Do(operation);
+            state.PauseTiming();
+            Undo();
+            state.ResumeTiming();
+        }
     }
 };
 
@@ -90,14 +165,14 @@ void Sizes(benchmark::internal::Benchmark* b) {
 
 std::unique_ptr<CTsUndoCommand> TextChange(Editor& e, TreeItem item, int n) {
     std::u16string text = u"Edited line " + std::u16string(1, char16_t(u'A' + n % 26));
-    return CUndoCommandModifyNode::ForField(u"Text Change", e.edits, item, u"Text",
+    return CUndoCommandModifyNode::ForField(u"Text Change", e.Edits(), item, u"Text",
                                             variant(11, std::u16string_view(text)), kChangeText);
 }
 
 // A line's text, which its label shows (and the labels of the links to it).
 void BM_TextChange(benchmark::State& state) {
     Editor e(int(state.range(0)));
-    TreeItem item = e.Line(std::int32_t(e.tree.NodeCount() / 2));
+    TreeItem item = e.Line(std::int32_t(e.Tree().NodeCount() / 2));
     int n = 0;
     for (auto _ : state) e.Run(TextChange(e, item, n++));
 }
@@ -105,7 +180,7 @@ BENCHMARK(BM_TextChange)->Apply(Sizes);
 
 void BM_UndoTextChange(benchmark::State& state) {
     Editor e(int(state.range(0)));
-    TreeItem item = e.Line(std::int32_t(e.tree.NodeCount() / 2));
+    TreeItem item = e.Line(std::int32_t(e.Tree().NodeCount() / 2));
     int n = 0;
     for (auto _ : state) {
         state.PauseTiming();
@@ -119,33 +194,29 @@ BENCHMARK(BM_UndoTextChange)->Apply(Sizes);
 // A new line at the end of a line's answers, in the middle of the conversation.
 void BM_InsertLine(benchmark::State& state) {
     Editor e(int(state.range(0)));
-    TreeItem parent = e.Line(std::int32_t(e.tree.NodeCount() / 2));
-    while (e.tree.NodeOf(parent)->isLink) parent = e.tree.Items().GetParent(parent);
-    bool npc = !e.tree.NodeOf(parent)->isNPC;
-    for (auto _ : state) {
+    TreeItem parent = e.Line(std::int32_t(e.Tree().NodeCount() / 2));
+    while (e.Tree().NodeOf(parent)->isLink) parent = e.Tree().Items().GetParent(parent);
+    bool npc = !e.Tree().NodeOf(parent)->isNPC;
+    e.TimeThenUndo(state, [&] {
         CAgentConversationLine line;
         line.CreateOn(nullptr);
-        auto command = std::make_unique<CUndoCommandAddRemoveNodes>(u"Insert Line", e.edits, true);
+        auto command =
+            std::make_unique<CUndoCommandAddRemoveNodes>(u"Insert Line", e.Edits(), true);
         command->AddNode(CUndoCommandAddRemoveNodes::AppendTo(
-            e.edits, parent, e.edits.NewLine(npc, std::move(line))));
-        e.Run(std::move(command));
-        state.PauseTiming();
-        e.Undo();
-        state.ResumeTiming();
-    }
+            e.Edits(), parent, e.Edits().NewLine(npc, std::move(line))));
+        return e.window->Perform(std::move(command));
+    });
 }
 BENCHMARK(BM_InsertLine)->Apply(Sizes);
 
 void BM_DeleteBranch(benchmark::State& state) {
     Editor e(int(state.range(0)));
     TreeItem branch = e.BranchOf(1000);
-    state.counters["branch"] = double(e.tree.Items().SubtreeSize(branch));
-    for (auto _ : state) {
-        e.Run(CUndoCommandAddRemoveNodes::RemovalOf(u"Delete Line", e.edits, branch));
-        state.PauseTiming();
-        e.Undo();
-        state.ResumeTiming();
-    }
+    state.counters["branch"] = double(e.Tree().Items().SubtreeSize(branch));
+    e.TimeThenUndo(state, [&] {
+        return e.window->Perform(
+            CUndoCommandAddRemoveNodes::RemovalOf(u"Delete Line", e.Edits(), branch));
+    });
 }
 BENCHMARK(BM_DeleteBranch)->Apply(Sizes);
 
@@ -154,7 +225,7 @@ void BM_UndoDeleteBranch(benchmark::State& state) {
     TreeItem branch = e.BranchOf(1000);
     for (auto _ : state) {
         state.PauseTiming();
-        e.Run(CUndoCommandAddRemoveNodes::RemovalOf(u"Delete Line", e.edits, branch));
+        e.Run(CUndoCommandAddRemoveNodes::RemovalOf(u"Delete Line", e.Edits(), branch));
         state.ResumeTiming();
         e.Undo();
     }
@@ -165,16 +236,13 @@ BENCHMARK(BM_UndoDeleteBranch)->Apply(Sizes);
 void BM_MoveBranch(benchmark::State& state) {
     Editor e(int(state.range(0)));
     TreeItem branch = e.BranchOf(1000);
-    TreeItem root = e.tree.RootItem();
-    for (auto _ : state) {
-        e.Run(std::make_unique<CUndoCommandMoveNode>(
-            u"Drag Node", e.edits,
-            CUndoMoveTriple{e.edits.IndexOf(branch), 0,
-                            std::int32_t(e.tree.Items().ChildCount(root))}));
-        state.PauseTiming();
-        e.Undo();
-        state.ResumeTiming();
-    }
+    TreeItem root = e.Tree().RootItem();
+    e.TimeThenUndo(state, [&] {
+        return e.window->Perform(std::make_unique<CUndoCommandMoveNode>(
+            u"Drag Node", e.Edits(),
+            CUndoMoveTriple{e.Edits().IndexOf(branch), 0,
+                            std::int32_t(e.Tree().Items().ChildCount(root))}));
+    });
 }
 BENCHMARK(BM_MoveBranch)->Apply(Sizes);
 
@@ -185,12 +253,78 @@ void BM_RelabelAll(benchmark::State& state) {
     for (auto _ : state) {
         std::u16string speaker = n++ % 2 ? u"innkeeper" : u"OWNER";
         e.Run(CUndoCommandModifyNode::ForField(
-            u"Default NPC Speaker Change", e.edits, e.tree.RootItem(), u"DefaultNPCSpeaker",
+            u"Default NPC Speaker Change", e.Edits(), e.Tree().RootItem(), u"DefaultNPCSpeaker",
             variant(11, std::u16string_view(speaker)), kChangeAll, false));
     }
-    state.counters["rows"] = double(e.tree.Items().Size());
+    state.counters["rows"] = double(e.Tree().Items().Size());
 }
 BENCHMARK(BM_RelabelAll)->Apply(Sizes);
+
+// One line without links to it, with the linked-lines check and the voice-over lookup.
+void BM_DeleteLine(benchmark::State& state) {
+    Editor e(int(state.range(0)));
+    TreeItem line = e.Leaf(false);
+    e.TimeThenUndo(state, [&] {
+        e.Select(line);
+        return DeleteSelection(*e.window);
+    });
+}
+BENCHMARK(BM_DeleteLine)->Apply(Sizes);
+
+// A copied line pasted under a line elsewhere (copy made once, as a writer pastes many times).
+void BM_PasteLine(benchmark::State& state) {
+    Editor e(int(state.range(0)));
+    e.Select(e.Leaf(false));
+    CopySelection(*e.window);
+    TreeItem target = e.LineOfKind(true, 10);
+    e.TimeThenUndo(state, [&] {
+        e.Select(target);
+        return PasteClipboard(*e.window);
+    });
+}
+BENCHMARK(BM_PasteLine)->Apply(Sizes);
+
+void BM_PasteBranch5000(benchmark::State& state) {
+    Editor e(int(state.range(0)));
+    TreeItem branch = e.BranchOf(5000);
+    state.counters["branch"] = double(e.Tree().Items().SubtreeSize(branch));
+    e.Select(branch);
+    CopySelection(*e.window);
+    TreeItem target = e.Tree().RootItem();
+    e.TimeThenUndo(state, [&] {
+        e.Select(target);
+        return PasteClipboard(*e.window);
+    });
+}
+BENCHMARK(BM_PasteBranch5000)->Arg(50000)->ArgName("lines")->Unit(benchmark::kMillisecond);
+
+// A line dragged under a line elsewhere.
+void BM_MoveLine(benchmark::State& state) {
+    Editor e(int(state.range(0)));
+    TreeItem line = e.Leaf(false);
+    TreeItem target = e.LineOfKind(true, 10);
+    e.TimeThenUndo(state, [&] { return Drop(*e.window, e.Tree(), line, target, false); });
+}
+BENCHMARK(BM_MoveLine)->Apply(Sizes);
+
+// The links to the line that has the most.
+void BM_FindLinks(benchmark::State& state) {
+    Editor e(int(state.range(0)));
+    auto results = CTsComObject<SearchResults>::Create();
+    TsRegisterHostComponent(kTsSearchResultsName, results.Get());
+    TreeItem most = kNoItem;
+    std::size_t count = 0;
+    for (std::int32_t i = 1; i < std::int32_t(e.Tree().NodeCount()); ++i) {
+        ConversationNode* node = e.Tree().NodeAt(i);
+        if (!node->isLink && e.Edits().Links().LinksTo(*node).size() > count)
+            most = node->treeItem, count = e.Edits().Links().LinksTo(*node).size();
+    }
+    e.Select(most);
+    for (auto _ : state) benchmark::DoNotOptimize(FindLinks(*e.window));
+    state.counters["links"] = double(count);
+    TsRegisterHostComponent(kTsSearchResultsName, nullptr);
+}
+BENCHMARK(BM_FindLinks)->Apply(Sizes);
 
 }  // namespace
 

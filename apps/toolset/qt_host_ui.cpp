@@ -74,18 +74,24 @@ std::vector<std::u16string> ResourcesMatching(const std::vector<ts::ResourceInfo
     return names;
 }
 
-QtHostUi::QtHostUi(QWidget* parent, ResourceLister resources, LogWriter log)
+QtHostUi::QtHostUi(QWidget* parent, ResourceLister resources, LogWriter log, ErrorSink errors)
     : parent_(parent),
       resources_(std::move(resources)),
       log_(std::move(log)),
+      errors_(std::move(errors)),
       previous_(ts::SetHostUi(this)) {}
 
 QtHostUi::~QtHostUi() {
     ts::SetHostUi(previous_);
 }
 
+void QtHostUi::AnswerOnTerminal(std::FILE* out) {
+    terminal_ = ts::MakeConsoleHostUi(out);
+}
+
 int QtHostUi::MessageBox(std::u16string_view text, std::u16string_view caption,
                          std::uint32_t style) {
+    if (terminal_) return terminal_->MessageBox(text, caption, style);
     QMessageBox box(IconOf(style),
                     caption.empty() ? QStringLiteral("Mistreach Toolset") : ToQt(caption),
                     ToQt(text), QMessageBox::NoButton, parent_);
@@ -107,6 +113,7 @@ int QtHostUi::MessageBox(std::u16string_view text, std::u16string_view caption,
 
 bool QtHostUi::PickResource(std::u16string_view title, std::u16string_view filter,
                             std::u16string& chosen) {
+    if (terminal_) return false;
     std::vector<std::u16string> names =
         ResourcesMatching(resources_ ? resources_() : std::vector<ts::ResourceInfo>{}, filter);
     QDialog dialog(parent_);
@@ -152,6 +159,11 @@ std::uint32_t QtHostUi::PopupMenu(const std::vector<TsPopupMenuItem>& items) {
 
 void QtHostUi::LogOutput(std::u16string_view text) {
     if (log_) log_(ToQt(text));
+}
+
+void QtHostUi::ReplaceErrors(std::u16string_view resource,
+                             const std::vector<ts::ErrorEntry>& errors) {
+    if (errors_) errors_(resource, errors);
 }
 
 }  // namespace toolset

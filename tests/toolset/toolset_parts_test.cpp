@@ -1,6 +1,6 @@
 // The plain parts of the desktop toolset: menu texts from command names, the command line,
-// which resources the picker offers for a filter, popup menus, and the undo history as the host
-// reads and walks it.
+// which resources the picker offers for a filter, popup menus, the error list, and the undo
+// history as the host reads and walks it.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include "command_text.h"
+#include "error_list.h"
 #include "qt_host_ui.h"
 #include "toolset_options.h"
 #include "ts/hoststring.h"
@@ -97,6 +98,34 @@ TEST(ToolsetParts, ThePopupMenuShowsCommandsAndAnswersTheOneTaken) {
                             kTsCommandEnabled | kTsCommandChecked}}),
               124u);
     EXPECT_EQ(shown, (QStringList{"Insert Line off", "-", "Jump To Target checked"}));
+}
+
+TEST(ToolsetParts, TheErrorListIsReplacedPerResourceAndSortedByResourceAndLine) {
+    using Rows = std::vector<toolset::ErrorListRow>;
+    using Names = std::vector<std::u16string>;
+    toolset::ErrorList list;
+    EXPECT_TRUE(list.Replace(u"Zed.dlg", {{0, u"root"}}));
+    EXPECT_TRUE(list.Replace(u"orla.dlg", {{5, u"late"}, {2, u"first"}, {2, u"second"}}));
+    EXPECT_TRUE(list.Replace(u"brannoc.dlg", {{1, u"b"}}));
+    EXPECT_FALSE(list.Replace(u"nobody.dlg", {}));
+    // Names ignore case, so "Zed" sorts after "orla"; one line's faults keep their order.
+    const Rows sorted = {{u"brannoc.dlg", 1, u"b"},
+                         {u"orla.dlg", 2, u"first"},
+                         {u"orla.dlg", 2, u"second"},
+                         {u"orla.dlg", 5, u"late"},
+                         {u"Zed.dlg", 0, u"root"}};
+    EXPECT_EQ(list.Rows(), sorted);
+    EXPECT_FALSE(list.Replace(u"orla.dlg", {{2, u"first"}, {2, u"second"}, {5, u"late"}}));
+
+    // A new list replaces the whole of that resource's, whatever the case of its name.
+    EXPECT_TRUE(list.Replace(u"ORLA.dlg", {{3, u"moved"}}));
+    EXPECT_EQ(list.Rows(), (Rows{sorted[0], {u"ORLA.dlg", 3, u"moved"}, sorted[4]}));
+    EXPECT_EQ(list.Resources(), (Names{u"brannoc.dlg", u"ORLA.dlg", u"Zed.dlg"}));
+    EXPECT_EQ(list.Filtered(u"orla.DLG"), std::vector<std::size_t>{1});
+    EXPECT_EQ(list.Filtered(u""), (std::vector<std::size_t>{0, 1, 2}));
+    EXPECT_TRUE(list.Filtered(u"orla").empty());
+    EXPECT_TRUE(list.Remove(u"zed.dlg"));
+    EXPECT_EQ(list.Resources(), (Names{u"brannoc.dlg", u"ORLA.dlg"}));
 }
 
 // An undo stack as an editor answers it, whose command `failOn` fails (the editor then
