@@ -141,6 +141,7 @@ bool QtHostUi::PickResource(std::u16string_view title, std::u16string_view filte
 }
 
 std::uint32_t QtHostUi::PopupMenu(const std::vector<TsPopupMenuItem>& items) {
+    if (terminal_) return 0;
     QMenu menu(parent_);
     for (const TsPopupMenuItem& item : items) {
         if (item.name.empty()) {

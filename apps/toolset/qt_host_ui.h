@@ -38,8 +38,8 @@ public:
                        const std::vector<ts::ErrorEntry>& errors) override;
 
     // Messages go to `out` as the command-line host writes them and are answered with their
-    // default button, and the picker cancels: for runs that nobody watches (screenshots). The
-    // log window and the error list go on as before.
+    // default button, the picker cancels and popup menus choose nothing: for runs that nobody
+    // watches (screenshots). The log window and the error list go on as before.
     void AnswerOnTerminal(std::FILE* out);
 
 private:
