@@ -150,6 +150,16 @@ struct Editor {
         if (!window->Undo()) std::abort();
         Settle();
     }
+    // Times `operation` (an edit that returns whether it was made), then undoes it untimed.
+    template <class Operation>
+    void TimeThenUndo(benchmark::State& state, Operation operation) {
+        for (auto _ : state) {
+            Do(operation);
+            state.PauseTiming();
+            Undo();
+            state.ResumeTiming();
+        }
+    }
 };
 
 void Sizes(benchmark::internal::Benchmark* b) {
@@ -190,18 +200,15 @@ void BM_InsertLine(benchmark::State& state) {
     TreeItem parent = e.Line(std::int32_t(e.Tree().NodeCount() / 2));
     while (e.Tree().NodeOf(parent)->isLink) parent = e.Tree().Items().GetParent(parent);
     bool npc = !e.Tree().NodeOf(parent)->isNPC;
-    for (auto _ : state) {
+    e.TimeThenUndo(state, [&] {
         CAgentConversationLine line;
         line.CreateOn(nullptr);
         auto command =
             std::make_unique<CUndoCommandAddRemoveNodes>(u"Insert Line", e.Edits(), true);
         command->AddNode(CUndoCommandAddRemoveNodes::AppendTo(
             e.Edits(), parent, e.Edits().NewLine(npc, std::move(line))));
-        e.Run(std::move(command));
-        state.PauseTiming();
-        e.Undo();
-        state.ResumeTiming();
-    }
+        return e.window->Perform(std::move(command));
+    });
 }
 BENCHMARK(BM_InsertLine)->Apply(Sizes);
 
@@ -209,12 +216,10 @@ void BM_DeleteBranch(benchmark::State& state) {
     Editor e(int(state.range(0)));
     TreeItem branch = e.BranchOf(1000);
     state.counters["branch"] = double(e.Tree().Items().SubtreeSize(branch));
-    for (auto _ : state) {
-        e.Run(CUndoCommandAddRemoveNodes::RemovalOf(u"Delete Line", e.Edits(), branch));
-        state.PauseTiming();
-        e.Undo();
-        state.ResumeTiming();
-    }
+    e.TimeThenUndo(state, [&] {
+        return e.window->Perform(
+            CUndoCommandAddRemoveNodes::RemovalOf(u"Delete Line", e.Edits(), branch));
+    });
 }
 BENCHMARK(BM_DeleteBranch)->Apply(Sizes);
 
@@ -235,15 +240,12 @@ void BM_MoveBranch(benchmark::State& state) {
     Editor e(int(state.range(0)));
     TreeItem branch = e.BranchOf(1000);
     TreeItem root = e.Tree().RootItem();
-    for (auto _ : state) {
-        e.Run(std::make_unique<CUndoCommandMoveNode>(
+    e.TimeThenUndo(state, [&] {
+        return e.window->Perform(std::make_unique<CUndoCommandMoveNode>(
             u"Drag Node", e.Edits(),
             CUndoMoveTriple{e.Edits().IndexOf(branch), 0,
                             std::int32_t(e.Tree().Items().ChildCount(root))}));
-        state.PauseTiming();
-        e.Undo();
-        state.ResumeTiming();
-    }
+    });
 }
 BENCHMARK(BM_MoveBranch)->Apply(Sizes);
 
@@ -265,13 +267,10 @@ BENCHMARK(BM_RelabelAll)->Apply(Sizes);
 void BM_DeleteLine(benchmark::State& state) {
     Editor e(int(state.range(0)));
     TreeItem line = e.Leaf(false);
-    for (auto _ : state) {
+    e.TimeThenUndo(state, [&] {
         e.Select(line);
-        e.Do([&] { return DeleteSelection(*e.window); });
-        state.PauseTiming();
-        e.Undo();
-        state.ResumeTiming();
-    }
+        return DeleteSelection(*e.window);
+    });
 }
 BENCHMARK(BM_DeleteLine)->Apply(Sizes);
 
@@ -281,13 +280,10 @@ void BM_PasteLine(benchmark::State& state) {
     e.Select(e.Leaf(false));
     CopySelection(*e.window);
     TreeItem target = e.LineOfKind(true, 10);
-    for (auto _ : state) {
+    e.TimeThenUndo(state, [&] {
         e.Select(target);
-        e.Do([&] { return PasteClipboard(*e.window); });
-        state.PauseTiming();
-        e.Undo();
-        state.ResumeTiming();
-    }
+        return PasteClipboard(*e.window);
+    });
 }
 BENCHMARK(BM_PasteLine)->Apply(Sizes);
 
@@ -298,13 +294,10 @@ void BM_PasteBranch5000(benchmark::State& state) {
     e.Select(branch);
     CopySelection(*e.window);
     TreeItem target = e.Tree().RootItem();
-    for (auto _ : state) {
+    e.TimeThenUndo(state, [&] {
         e.Select(target);
-        e.Do([&] { return PasteClipboard(*e.window); });
-        state.PauseTiming();
-        e.Undo();
-        state.ResumeTiming();
-    }
+        return PasteClipboard(*e.window);
+    });
 }
 BENCHMARK(BM_PasteBranch5000)->Arg(50000)->ArgName("lines")->Unit(benchmark::kMillisecond);
 
@@ -313,12 +306,7 @@ void BM_MoveLine(benchmark::State& state) {
     Editor e(int(state.range(0)));
     TreeItem line = e.Leaf(false);
     TreeItem target = e.LineOfKind(true, 10);
-    for (auto _ : state) {
-        e.Do([&] { return Drop(*e.window, e.Tree(), line, target, false); });
-        state.PauseTiming();
-        e.Undo();
-        state.ResumeTiming();
-    }
+    e.TimeThenUndo(state, [&] { return Drop(*e.window, e.Tree(), line, target, false); });
 }
 BENCHMARK(BM_MoveLine)->Apply(Sizes);
 

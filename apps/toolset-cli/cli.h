@@ -48,5 +48,6 @@ int Export(const Arguments& args);
 int Import(const Arguments& args);
 int Check(const Arguments& args);
 int Report(const Arguments& args);
+int Validate(const Arguments& args);
 
 }  // namespace cli

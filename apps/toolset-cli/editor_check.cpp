@@ -52,8 +52,8 @@ bool EditorCheck::HasEditor(std::u16string_view type) {
     return !EditorPatternFor(type).empty();
 }
 
-bool EditorCheck::Open(std::u16string_view name, std::u16string_view type,
-                       std::u16string& problem) {
+bool EditorCheck::Open(std::u16string_view name, std::u16string_view type, std::u16string& problem,
+                       const std::function<void()>& whileOpen) {
     std::u16string_view pattern = EditorPatternFor(type);
     if (pattern.empty()) return true;
     CTsComPtr<ITsResource> resource;
@@ -80,6 +80,7 @@ bool EditorCheck::Open(std::u16string_view name, std::u16string_view type,
     lastError_.clear();
     editor->Attach(0, file.c_str(), kTsEditorReadOnly);
     HRESULT loaded = editor->Load(resource.Get());
+    if (loaded == S_OK && whileOpen) whileOpen();
     window->CloseUIWindow();
     if (loaded == S_OK) return true;
     problem = !lastError_.empty()

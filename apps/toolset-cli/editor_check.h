@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -28,8 +29,10 @@ public:
     static bool HasEditor(std::u16string_view type);
 
     // Opens the resource in a new editor and closes it again; false with the editor's reason
-    // when the editor refuses it.
-    bool Open(std::u16string_view name, std::u16string_view type, std::u16string& problem);
+    // when the editor refuses it. `whileOpen` runs once the editor has loaded the resource,
+    // before it closes.
+    bool Open(std::u16string_view name, std::u16string_view type, std::u16string& problem,
+              const std::function<void()>& whileOpen = {});
 
 private:
     ts::PluginLoader loader_;

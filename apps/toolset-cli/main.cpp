@@ -50,6 +50,7 @@ int main(int argc, char** argv) {
     if (command == "import") return cli::Import(args);
     if (command == "check") return cli::Check(args);
     if (command == "report") return cli::Report(args);
+    if (command == "validate") return cli::Validate(args);
     cli::Fail(ts::Format(u"unknown command \"%ls\"", ts::MessageText(command)), cli::kUsage);
     return cli::Usage(stderr);
 }

@@ -44,6 +44,7 @@ std::unique_ptr<EditorTab> EditorTab::Open(ts::PluginLoader& loader, ITsResource
         return fail(ts::Format(u"The editor for %ls could not be made.", tab->resourceName_));
     tab->editor_->QueryInterface(ITsUICommandSource::kIID, tab->commands_.PutVoid());
     tab->editor_->QueryInterface(ITsUndoRedo::kIID, tab->undo_.PutVoid());
+    tab->editor_->QueryInterface(ITsMarkerSource::kIID, tab->markers_.PutVoid());
 
     // The tab is the editor's frame: its window goes into the frame's layout.
     auto* layout = new QVBoxLayout(tab.get());
@@ -72,6 +73,7 @@ void EditorTab::CloseEditor() {
     if (window_) window_->CloseUIWindow();
     commands_.Reset();
     undo_.Reset();
+    markers_.Reset();
     window_.Reset();
     editor_.Reset();
     resource_.Reset();
@@ -125,6 +127,28 @@ std::uint32_t EditorTab::CommandState(std::uint32_t id) const {
 
 HRESULT EditorTab::Execute(std::uint32_t id) {
     return commands_ ? commands_->ExecuteCommand(id) : E_FAIL;
+}
+
+HRESULT EditorTab::GoToLine(int line) {
+    // A navigation location names only what it gives: here the line alone.
+    return GoToLocation(ts::Format(u"StartLine=%d", line));
+}
+
+HRESULT EditorTab::GoToLocation(const std::u16string& location) {
+    if (!markers_) return E_NOINTERFACE;
+    HRESULT r = markers_->GoToMarker(location.c_str());
+    return r == E_NOTIMPL ? E_NOINTERFACE : r;
+}
+
+void EditorTab::FocusEditor() {
+    // The editor's widgets follow the tab in the window's focus chain.
+    for (QWidget* w = nextInFocusChain(); w && w != this && isAncestorOf(w);
+         w = w->nextInFocusChain())
+        if ((w->focusPolicy() & Qt::TabFocus) && w->isVisibleTo(this) && w->isEnabled()) {
+            w->setFocus(Qt::OtherFocusReason);
+            return;
+        }
+    setFocus(Qt::OtherFocusReason);
 }
 
 HRESULT EditorTab::Save() {

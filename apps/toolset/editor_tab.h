@@ -7,6 +7,7 @@
 
 #include "ts/comptr.h"
 #include "ts/editor.h"
+#include "ts/markersource.h"
 #include "ts/pluginloader.h"
 #include "ts/resource.h"
 #include "ts/resourcemanager.h"
@@ -47,6 +48,16 @@ public:
     // The editor's undo stack; null when the editor offers none.
     ITsUndoRedo* UndoRedo() const { return undo_.Get(); }
 
+    // Selects line `line` of the resource (its number in the editor, as error lists give it)
+    // through the editor's markers: S_OK; E_INVALIDARG when the editor has no such line;
+    // E_NOINTERFACE when it has no markers to go by.
+    HRESULT GoToLine(int line);
+    // The same for a marker location text ("StartLine=18&Field=11").
+    HRESULT GoToLocation(const std::u16string& location);
+
+    // Gives the keyboard to the editor: the first of its widgets that takes focus (the tree).
+    void FocusEditor();
+
     // Saves through the editor (which asks the host to store its content).
     HRESULT Save();
     // Closes the editor's window and lets go of the editor; the tab can then be deleted.
@@ -60,6 +71,7 @@ private:
     CTsComPtr<ITsUIWindow> window_;
     CTsComPtr<ITsUICommandSource> commands_;
     CTsComPtr<ITsUndoRedo> undo_;
+    CTsComPtr<ITsMarkerSource> markers_;
     CTsComPtr<ITsResource> resource_;
 };
 

@@ -1,7 +1,6 @@
 // The desktop toolset: the main window over a module, with the editors the plugins offer.
 #include <QApplication>
 #include <cstdio>
-#include <memory>
 
 #include "log_dock.h"
 #include "main_window.h"
@@ -28,14 +27,13 @@ int main(int argc, char** argv) {
     toolset::MainWindow window(!shot);
     toolset::QtHostUi ui(
         &window, [&window] { return window.ListResources(); },
-        [&window](const QString& line) { window.Log().AppendLine(line); });
-    // A screenshot run has nobody to answer a message: messages go to the terminal instead.
-    std::unique_ptr<ts::HostUi> console;
-    ts::HostUi* windowUi = nullptr;
-    if (shot) {
-        console = ts::MakeConsoleHostUi(stderr);
-        windowUi = ts::SetHostUi(console.get());
-    }
+        [&window](const QString& line) { window.Log().AppendLine(line); },
+        [&window](std::u16string_view resource, const std::vector<ts::ErrorEntry>& errors) {
+            window.ReplaceErrors(resource, errors);
+        });
+    // A screenshot run has nobody to answer a message: messages go to the terminal instead,
+    // while the error list still fills, since it is part of the picture.
+    if (shot) ui.AnswerOnTerminal(stderr);
     window.show();
 
     bool opened = true;
@@ -48,7 +46,6 @@ int main(int argc, char** argv) {
     }
     if (shot) {
         bool saved = toolset::SaveScreenshot(window, QString::fromLocal8Bit(options.screenshot));
-        ts::SetHostUi(windowUi);
         if (!saved) {
             std::fprintf(stderr, "toolset: cannot write %s\n", options.screenshot.c_str());
             return 1;

@@ -18,6 +18,7 @@
 #include "log_dock.h"
 #include "qt_text.h"
 #include "resource_palette.h"
+#include "search_results_dock.h"
 #include "ts/editorhost.h"
 #include "ts/environment.h"
 #include "ts/events.h"
@@ -54,6 +55,7 @@ MainWindow::MainWindow(bool keepLayout, QWidget* parent)
       palette_(new ResourcePalette(this)),
       log_(new LogDock(this)),
       errors_(new ErrorListDock(this)),
+      search_(new SearchResultsDock(this)),
       history_(new UndoHistoryDock(this)),
       commands_(new CommandMenus(*this, [this] { return ActiveEditor(); })),
       stateTimer_(new QTimer(this)) {
@@ -68,8 +70,10 @@ MainWindow::MainWindow(bool keepLayout, QWidget* parent)
     addDockWidget(Qt::BottomDockWidgetArea, log_);
     addDockWidget(Qt::BottomDockWidgetArea, errors_);
     addDockWidget(Qt::BottomDockWidgetArea, history_);
+    addDockWidget(Qt::BottomDockWidgetArea, search_);
     tabifyDockWidget(log_, errors_);
     tabifyDockWidget(errors_, history_);
+    tabifyDockWidget(history_, search_);
     log_->raise();
     BuildMenus();
 
@@ -79,6 +83,8 @@ MainWindow::MainWindow(bool keepLayout, QWidget* parent)
             [this](const QString& name, const QString& type) { OpenResource(name, type); });
     connect(commands_, &CommandMenus::commandRun, this, &MainWindow::RefreshState);
     connect(history_, &UndoHistoryDock::stepsRequested, this, &MainWindow::MoveInHistory);
+    connect(errors_, &ErrorListDock::lineRequested, this, &MainWindow::ShowLine);
+    connect(search_, &SearchResultsDock::placeRequested, this, &MainWindow::ShowPlace);
 
     loader_.Scan(ts::DefaultPluginFolder());
     ts::SetEditorSaver([this](IUnknown* editor, std::uint32_t) { return SaveEditor(editor); });
@@ -185,6 +191,7 @@ void MainWindow::CloseModule() {
         delete tab;
     }
     commands_->Show(nullptr);
+    errors_->Clear();
     if (resources_) TsRegisterHostComponent(kTsResourceManagerName, nullptr);
     resources_.Reset();
     store_.reset();
@@ -304,7 +311,11 @@ void MainWindow::CloseTab(int index) {
         if (answer == IDYES && tab->Save() != S_OK) return;
     }
     tabs_->removeTab(index);
+    // The list holds the faults of open resources only; the editor clears its own as it closes,
+    // and the host makes sure.
+    std::u16string closed = tab->ResourceName();
     delete tab;
+    errors_->Replace(closed, {});
     ActiveTabChanged();
 }
 
@@ -318,6 +329,45 @@ bool MainWindow::RunCommand(const QString& name) {
     bool ran = tab && id != kTsNoCommandId && tab->Execute(id) == S_OK;
     RefreshState();
     return ran;
+}
+
+void MainWindow::ReplaceErrors(std::u16string_view resource,
+                               const std::vector<ts::ErrorEntry>& errors) {
+    errors_->Replace(resource, errors);
+}
+
+bool MainWindow::ShowLine(const QString& resource, int line) {
+    if (!OpenResource(resource)) return false;
+    EditorTab* tab = ActiveEditor();
+    if (line >= 0) {
+        HRESULT r = tab->GoToLine(line);
+        if (r == E_INVALIDARG) {
+            Tell(ts::Format(u"%ls has no line %d.", tab->ResourceName(), line), MB_ICONINFORMATION);
+            return false;
+        }
+        if (FAILED(r)) {
+            Tell(ts::Format(u"The editor of %ls cannot go to a line.", tab->ResourceName()),
+                 MB_ICONINFORMATION);
+            return false;
+        }
+    }
+    // The user goes on in the editor, from the line; its command states follow the selection.
+    tab->FocusEditor();
+    RefreshState();
+    return true;
+}
+
+bool MainWindow::ShowPlace(const QString& resource, const QString& location) {
+    if (!OpenResource(resource)) return false;
+    EditorTab* tab = ActiveEditor();
+    if (FAILED(tab->GoToLocation(location.toStdU16String()))) {
+        Tell(ts::Format(u"%ls has changed since the search: run it again.", tab->ResourceName()),
+             MB_ICONINFORMATION);
+        return false;
+    }
+    tab->FocusEditor();
+    RefreshState();
+    return true;
 }
 
 bool MainWindow::MoveInHistory(int steps) {

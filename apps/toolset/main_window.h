@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ts/comptr.h"
+#include "ts/hostui.h"
 #include "ts/pluginloader.h"
 #include "ts/resourcemanager.h"
 #include "ts/resourcestore.h"
@@ -18,6 +19,7 @@ namespace toolset {
 class CommandMenus;
 class EditorTab;
 class ErrorListDock;
+class SearchResultsDock;
 class LogDock;
 class ResourcePalette;
 class UndoHistoryDock;
@@ -50,11 +52,22 @@ public:
     // Runs a command of the active editor by name; false when there is none or it is disabled.
     bool RunCommand(const QString& name);
 
+    // An editor's error list for `resource`, shown in the Error List (the host user interface
+    // hands it on).
+    void ReplaceErrors(std::u16string_view resource, const std::vector<ts::ErrorEntry>& errors);
+    // Opens "NAME.TYPE" (or shows its tab) and selects its line `line` (-1: the resource as a
+    // whole, nothing to select); false after telling the user why when the resource cannot be
+    // opened or has no such line.
+    bool ShowLine(const QString& resource, int line);
+    // Opens `resource` (or shows its tab) and has its editor go to a marker location.
+    bool ShowPlace(const QString& resource, const QString& location);
+
     EditorTab* ActiveEditor() const;
     int EditorCount() const;
     ResourcePalette& Palette() const { return *palette_; }
     LogDock& Log() const { return *log_; }
     ErrorListDock& Errors() const { return *errors_; }
+    SearchResultsDock& SearchResults() const { return *search_; }
     UndoHistoryDock& History() const { return *history_; }
     CommandMenus& Commands() const { return *commands_; }
     QAction* UndoAction() const { return undo_; }
@@ -91,6 +104,7 @@ private:
     ResourcePalette* palette_;
     LogDock* log_;
     ErrorListDock* errors_;
+    SearchResultsDock* search_;
     UndoHistoryDock* history_;
     CommandMenus* commands_;
     QAction* save_ = nullptr;

@@ -1,13 +1,16 @@
 #include "qt_host_ui.h"
 
+#include <QCursor>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "command_text.h"
 #include "qt_text.h"
 #include "ts/text.h"
 
@@ -71,18 +74,24 @@ std::vector<std::u16string> ResourcesMatching(const std::vector<ts::ResourceInfo
     return names;
 }
 
-QtHostUi::QtHostUi(QWidget* parent, ResourceLister resources, LogWriter log)
+QtHostUi::QtHostUi(QWidget* parent, ResourceLister resources, LogWriter log, ErrorSink errors)
     : parent_(parent),
       resources_(std::move(resources)),
       log_(std::move(log)),
+      errors_(std::move(errors)),
       previous_(ts::SetHostUi(this)) {}
 
 QtHostUi::~QtHostUi() {
     ts::SetHostUi(previous_);
 }
 
+void QtHostUi::AnswerOnTerminal(std::FILE* out) {
+    terminal_ = ts::MakeConsoleHostUi(out);
+}
+
 int QtHostUi::MessageBox(std::u16string_view text, std::u16string_view caption,
                          std::uint32_t style) {
+    if (terminal_) return terminal_->MessageBox(text, caption, style);
     QMessageBox box(IconOf(style),
                     caption.empty() ? QStringLiteral("Mistreach Toolset") : ToQt(caption),
                     ToQt(text), QMessageBox::NoButton, parent_);
@@ -104,6 +113,7 @@ int QtHostUi::MessageBox(std::u16string_view text, std::u16string_view caption,
 
 bool QtHostUi::PickResource(std::u16string_view title, std::u16string_view filter,
                             std::u16string& chosen) {
+    if (terminal_) return false;
     std::vector<std::u16string> names =
         ResourcesMatching(resources_ ? resources_() : std::vector<ts::ResourceInfo>{}, filter);
     QDialog dialog(parent_);
@@ -130,8 +140,31 @@ bool QtHostUi::PickResource(std::u16string_view title, std::u16string_view filte
     return true;
 }
 
+std::uint32_t QtHostUi::PopupMenu(const std::vector<TsPopupMenuItem>& items) {
+    if (terminal_) return 0;
+    QMenu menu(parent_);
+    for (const TsPopupMenuItem& item : items) {
+        if (item.name.empty()) {
+            menu.addSeparator();
+            continue;
+        }
+        QAction* action = menu.addAction(ToQt(CommandText(item.name)));
+        action->setData(item.id);
+        action->setEnabled(item.state & kTsCommandEnabled);
+        action->setCheckable(item.state & kTsCommandChecked);
+        action->setChecked(item.state & kTsCommandChecked);
+    }
+    QAction* chosen = menu.exec(QCursor::pos());
+    return chosen ? chosen->data().toUInt() : 0;
+}
+
 void QtHostUi::LogOutput(std::u16string_view text) {
     if (log_) log_(ToQt(text));
+}
+
+void QtHostUi::ReplaceErrors(std::u16string_view resource,
+                             const std::vector<ts::ErrorEntry>& errors) {
+    if (errors_) errors_(resource, errors);
 }
 
 }  // namespace toolset

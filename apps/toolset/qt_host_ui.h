@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QString>
+#include <cstdio>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "ts/hostui.h"
@@ -12,14 +14,16 @@ class QWidget;
 namespace toolset {
 
 // The framework's user interface in the desktop toolset: message boxes as Qt dialogs, the
-// resource picker over the open module, and log output into the log window. Installed while it
-// lives.
+// resource picker over the open module, popup menus at the cursor, log output into the log
+// window, and the error lists editors publish into the Error List. Installed while it lives.
 class QtHostUi : public ts::HostUi {
 public:
     using ResourceLister = std::function<std::vector<ts::ResourceInfo>()>;
     using LogWriter = std::function<void(const QString&)>;
+    using ErrorSink = std::function<void(std::u16string_view resource,
+                                         const std::vector<ts::ErrorEntry>& errors)>;
 
-    QtHostUi(QWidget* parent, ResourceLister resources, LogWriter log);
+    QtHostUi(QWidget* parent, ResourceLister resources, LogWriter log, ErrorSink errors = {});
     ~QtHostUi() override;
     QtHostUi(const QtHostUi&) = delete;
     QtHostUi& operator=(const QtHostUi&) = delete;
@@ -29,11 +33,21 @@ public:
     bool PickResource(std::u16string_view title, std::u16string_view filter,
                       std::u16string& chosen) override;
     void LogOutput(std::u16string_view text) override;
+    std::uint32_t PopupMenu(const std::vector<TsPopupMenuItem>& items) override;
+    void ReplaceErrors(std::u16string_view resource,
+                       const std::vector<ts::ErrorEntry>& errors) override;
+
+    // Messages go to `out` as the command-line host writes them and are answered with their
+    // default button, the picker cancels and popup menus choose nothing: for runs that nobody
+    // watches (screenshots). The log window and the error list go on as before.
+    void AnswerOnTerminal(std::FILE* out);
 
 private:
     QWidget* parent_;
     ResourceLister resources_;
     LogWriter log_;
+    ErrorSink errors_;
+    std::unique_ptr<ts::HostUi> terminal_;
     ts::HostUi* previous_;
 };
 

@@ -18,6 +18,10 @@ public:
     PlotModule(const PlotModule&) = delete;
     PlotModule& operator=(const PlotModule&) = delete;
 
+    // The module file, for programs that open it themselves, and its resource manager.
+    std::string Path() const { return folder_ + "/bench.tsmod"; }
+    ITsResourceManager& Manager() const { return *manager_.Get(); }
+
 private:
     std::string folder_;
     CTsComPtr<ITsResourceManager> manager_;

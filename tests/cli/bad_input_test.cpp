@@ -73,7 +73,7 @@ TEST_F(BadInput, CheckAndReportNameRowsTheStoreNeverWrites) {
              "damaged  teodor.d!g: \"d!g\" is not a valid resource type",
          })
         EXPECT_TRUE(Contains(checked.out, line)) << line << "\nin:\n" << checked.out;
-    EXPECT_TRUE(Contains(checked.err, "the module is damaged: 3 of 16 resources cannot be read"))
+    EXPECT_TRUE(Contains(checked.err, "the module is damaged: 3 of 17 resources cannot be read"))
         << checked.err;
 
     auto report = RunToolsetCli({"report", demo});

@@ -1,5 +1,5 @@
 // check loads every conversation in the conversation editor, so a conversation that decodes but
-// that the editor refuses is reported, not passed.
+// that the editor refuses is reported, not passed; validate reports it as a fault.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -41,9 +41,17 @@ TEST(CheckOpens, AConversationTheEditorRefusesFailsTheCheck) {
         << checked.out;
     EXPECT_TRUE(Contains(checked.out, "owned by more than one line: NPC line [1] (2 owners)"));
     EXPECT_TRUE(Contains(checked.err,
-                         "the module has problems: 1 of 18 resources cannot be opened in their "
+                         "the module has problems: 1 of 19 resources cannot be opened in their "
                          "editor"))
         << checked.err;
+
+    // To validate, a conversation the editor cannot open is a fault of its own.
+    auto validated = RunToolsetCli({"validate", module, "chain20.dlg", "chain4.dlg"});
+    EXPECT_EQ(validated.exitCode, 1);
+    EXPECT_TRUE(Contains(validated.out,
+                         "chain20.dlg:0: cannot be opened: The conversation cannot be opened"))
+        << validated.out;
+    EXPECT_TRUE(Contains(validated.err, "1 fault in 1 of 2 conversations")) << validated.err;
     fs::remove_all(folder);
 }
 

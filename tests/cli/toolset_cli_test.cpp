@@ -81,7 +81,7 @@ TEST_F(ToolsetCli, ExportAndImportCarryEveryDemoResourceUnchanged) {
     for (const std::string& module : {copy, exactCopy})
         ASSERT_EQ(RunCli({"module", "create", folder + "/empty", module}).exitCode, 0);
     CliRun dlg = RunCli({"list", demo, "dlg"});
-    EXPECT_EQ(std::count(dlg.out.begin(), dlg.out.end(), '\n'), 2);
+    EXPECT_EQ(std::count(dlg.out.begin(), dlg.out.end(), '\n'), 3);
     CliRun listed = RunCli({"list", demo});
     ASSERT_EQ(listed.exitCode, 0);
     EXPECT_TRUE(Has(listed.out, "orla_welcome.dlg  version 1")) << listed.out;
@@ -124,7 +124,7 @@ TEST_F(ToolsetCli, TheReportSummarisesTheModule) {
     ASSERT_EQ(report.exitCode, 0) << report.err;
     for (const char* part : {
              "Module \"Demo: The Drowned Lantern\" (id 1)",
-             "dlg (conversation): 2",
+             "dlg (conversation): 3",
              "orla_welcome  (version 1,",
              "3 starts, 10 NPC and 10 player lines, 5 links, 1 comment, 1 ambient branch, 6 sent "
              "for voice-over",
@@ -132,7 +132,7 @@ TEST_F(ToolsetCli, TheReportSummarisesTheModule) {
              "for voice-over",
              "Tables: 8",
              "toolset_dlglang: 3 rows, 3 columns",
-             "Strings: 41 texts of 35 string ids in 3 languages; 9 voice-over and 5 localization "
+             "Strings: 55 texts of 49 string ids in 3 languages; 9 voice-over and 5 localization "
              "status records",
              "Check: every resource and table reads back whole.",
          })
@@ -162,7 +162,7 @@ TEST_F(ToolsetCli, CheckFindsDamageWithoutTouchingOtherResources) {
         << checked.out;
     EXPECT_TRUE(Has(checked.out, "ok       brannoc.utc")) << checked.out;
     EXPECT_TRUE(Has(checked.out, "ok       orla_welcome.dlg")) << checked.out;
-    EXPECT_TRUE(Has(checked.err, "the module is damaged: 1 of 16 resources cannot be read"))
+    EXPECT_TRUE(Has(checked.err, "the module is damaged: 1 of 17 resources cannot be read"))
         << checked.err;
     EXPECT_EQ(fs::last_write_time(demo), before);  // a check writes nothing
     EXPECT_EQ(RunCli({"report", demo}).exitCode, 1);

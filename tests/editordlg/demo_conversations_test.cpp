@@ -64,7 +64,7 @@ protected:
 TEST_F(DemoConversations, EveryConversationShowsItsLabelsAndWritesBackAsItWasStored) {
     std::vector<ts::ResourceInfo> list;
     ASSERT_EQ(manager_->ListResources(u"dlg", &list), S_OK);
-    ASSERT_EQ(list.size(), 2u);
+    ASSERT_EQ(list.size(), 3u);
     for (const ts::ResourceInfo& info : list) {
         SCOPED_TRACE(Utf16ToUtf8(info.name));
         ASSERT_TRUE(Open(info.name)->IsLoaded());

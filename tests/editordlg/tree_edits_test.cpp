@@ -140,6 +140,24 @@ TEST_F(TreeEdits, DeleteAsksAboutVoiceOverAndLinksAndUndoBringsEverythingBack) {
         [&] { EXPECT_EQ(w.Document().Edits().Links().LinkCount(), links - 2); });
 }
 
+// The text question: asked for a line sent for recording (No by default), not again for that
+// line once the user said Yes, never for a line not sent.
+TEST_F(TreeEdits, TheVoiceOverGuardAsksOncePerLineTheUserConfirmed) {
+    CConversationEditorWnd& w = Open(u"orla_welcome");
+    dlg::VoGuard& guard = w.Vo();
+    const dlg::ConversationNode& sent = *w.Document().Tree().NodeAt(1);  // string 1001
+    const dlg::ConversationNode& notSent = *w.Document().Tree().NodeAt(24);
+    EXPECT_FALSE(guard.MayChangeText(sent));
+    ASSERT_EQ(ui_.shown().size(), 1u);
+    EXPECT_EQ(ui_.shown()[0].text, dlg::VoGuard::kLineQuestion);
+    EXPECT_EQ(ui_.shown()[0].style, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2);
+    ui_.Answer(IDYES);
+    EXPECT_TRUE(guard.MayChangeText(sent));
+    EXPECT_TRUE(guard.MayChangeText(sent));
+    EXPECT_TRUE(guard.MayChangeText(notSent));
+    EXPECT_EQ(ui_.shown().size(), 2u);
+}
+
 TEST_F(TreeEdits, CopiesKeepLinksWithinAConversationAndDropThemBetweenConversations) {
     CConversationEditorWnd& orla = Open(u"orla_welcome");
     CConversationEditorWnd& brannoc = Open(u"brannoc_caravan");

@@ -42,6 +42,28 @@ TEST(MessageBox, GoesToTheInstalledUserInterfaceOrTheLog) {
     EXPECT_EQ(ui.shown()[0].style, MB_YESNO | MB_ICONWARNING);
 }
 
+// A popup menu answers only with an enabled command of its own; with no one to show it, and for
+// the console, nothing is chosen.
+TEST(PopupMenu, AnswersWithAnEnabledEntryOrNothing) {
+    const std::vector<TsPopupMenuItem> menu = {
+        {u"Edit.Copy", 40011, kTsCommandEnabled}, {}, {u"Edit.Paste", 40012, 0}};
+    EXPECT_EQ(TsPopupMenu(menu), 0u);
+    auto console = ts::MakeConsoleHostUi(stdout);
+    ts::HostUi* previous = ts::SetHostUi(console.get());
+    EXPECT_EQ(TsPopupMenu(menu), 0u);
+    ts::SetHostUi(previous);
+
+    ScriptedUi ui;
+    for (std::uint32_t choice : {40011u, 40012u, 123u, 0u}) ui.Choose(choice);
+    EXPECT_EQ(TsPopupMenu(menu), 40011u);
+    EXPECT_TRUE(ui.showingWhileShown);
+    EXPECT_FALSE(TsIsPopupMenuShowing());
+    EXPECT_EQ(TsPopupMenu(menu), 0u) << "disabled";
+    EXPECT_EQ(TsPopupMenu(menu), 0u) << "not in the menu";
+    EXPECT_EQ(TsPopupMenu(menu), 0u) << "nothing chosen";
+    EXPECT_EQ(ui.menus.size(), 4u);
+}
+
 TEST(MessageBox, TheConsoleWritesTheMessageAndAnswersForTheUser) {
     std::FILE* out = std::tmpfile();
     ASSERT_NE(out, nullptr);

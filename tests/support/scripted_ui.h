@@ -25,6 +25,8 @@ public:
     ScriptedUi& operator=(const ScriptedUi&) = delete;
 
     void Answer(int answer) { answers_.push_back(answer); }
+    // The command the next popup menu chooses (0: none, also once the script runs out).
+    void Choose(std::uint32_t id) { choices_.push_back(id); }
     const std::vector<Shown>& shown() const { return shown_; }
 
     int MessageBox(std::u16string_view text, std::u16string_view caption,
@@ -35,6 +37,18 @@ public:
         answers_.pop_front();
         return answer;
     }
+
+    // Every popup menu shown, and whether TsIsPopupMenuShowing said so while it was.
+    std::uint32_t PopupMenu(const std::vector<TsPopupMenuItem>& items) override {
+        menus.push_back(items);
+        showingWhileShown = TsIsPopupMenuShowing();
+        if (choices_.empty()) return 0;
+        std::uint32_t id = choices_.front();
+        choices_.pop_front();
+        return id;
+    }
+    std::vector<std::vector<TsPopupMenuItem>> menus;
+    bool showingWhileShown = false;
 
     // The error lists the editors published, by resource; a resource leaves when its list is
     // emptied. `published` counts every call.
@@ -51,6 +65,7 @@ public:
 private:
     HostUi* previous_;
     std::deque<int> answers_;
+    std::deque<std::uint32_t> choices_;
     std::vector<Shown> shown_;
 };
 

@@ -1,9 +1,15 @@
 // The plain parts of the desktop toolset: menu texts from command names, the command line,
-// which resources the picker offers for a filter, and the undo history as the host reads and
-// walks it.
+// which resources the picker offers for a filter, popup menus, the error list, and the undo
+// history as the host reads and walks it.
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QTimer>
+
 #include "command_text.h"
+#include "error_list.h"
 #include "qt_host_ui.h"
 #include "toolset_options.h"
 #include "ts/hoststring.h"
@@ -69,6 +75,57 @@ TEST(ToolsetParts, ThePickerOffersTheFilterTypes) {
     EXPECT_EQ(toolset::ResourcesMatching(resources, u"").size(), 4u);
     EXPECT_EQ(toolset::ResourcesMatching(resources, u"*").size(), 4u);
     EXPECT_TRUE(toolset::ResourcesMatching(resources, u"stg").empty());
+}
+
+// A popup menu shows the commands' menu texts in their states and answers with the one taken.
+TEST(ToolsetParts, ThePopupMenuShowsCommandsAndAnswersTheOneTaken) {
+    toolset::QtHostUi ui(nullptr, {}, {});
+    QStringList shown;
+    QTimer::singleShot(0, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        for (QAction* action : menu->actions())
+            shown << (action->isSeparator() ? QStringLiteral("-")
+                                            : action->text() + (action->isEnabled() ? "" : " off") +
+                                                  (action->isChecked() ? " checked" : ""));
+        menu->setActiveAction(menu->actions().back());
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QApplication::sendEvent(menu, &enter);
+    });
+    EXPECT_EQ(TsPopupMenu({{u"Edit.DialogEditor.Insert.Line", 40009, 0},
+                           {},
+                           {u"Edit.DialogEditor.JumpToTarget", 124,
+                            kTsCommandEnabled | kTsCommandChecked}}),
+              124u);
+    EXPECT_EQ(shown, (QStringList{"Insert Line off", "-", "Jump To Target checked"}));
+}
+
+TEST(ToolsetParts, TheErrorListIsReplacedPerResourceAndSortedByResourceAndLine) {
+    using Rows = std::vector<toolset::ErrorListRow>;
+    using Names = std::vector<std::u16string>;
+    toolset::ErrorList list;
+    EXPECT_TRUE(list.Replace(u"Zed.dlg", {{0, u"root"}}));
+    EXPECT_TRUE(list.Replace(u"orla.dlg", {{5, u"late"}, {2, u"first"}, {2, u"second"}}));
+    EXPECT_TRUE(list.Replace(u"brannoc.dlg", {{1, u"b"}}));
+    EXPECT_FALSE(list.Replace(u"nobody.dlg", {}));
+    // Names ignore case, so "Zed" sorts after "orla"; one line's faults keep their order.
+    const Rows sorted = {{u"brannoc.dlg", 1, u"b"},
+                         {u"orla.dlg", 2, u"first"},
+                         {u"orla.dlg", 2, u"second"},
+                         {u"orla.dlg", 5, u"late"},
+                         {u"Zed.dlg", 0, u"root"}};
+    EXPECT_EQ(list.Rows(), sorted);
+    EXPECT_FALSE(list.Replace(u"orla.dlg", {{2, u"first"}, {2, u"second"}, {5, u"late"}}));
+
+    // A new list replaces the whole of that resource's, whatever the case of its name.
+    EXPECT_TRUE(list.Replace(u"ORLA.dlg", {{3, u"moved"}}));
+    EXPECT_EQ(list.Rows(), (Rows{sorted[0], {u"ORLA.dlg", 3, u"moved"}, sorted[4]}));
+    EXPECT_EQ(list.Resources(), (Names{u"brannoc.dlg", u"ORLA.dlg", u"Zed.dlg"}));
+    EXPECT_EQ(list.Filtered(u"orla.DLG"), std::vector<std::size_t>{1});
+    EXPECT_EQ(list.Filtered(u""), (std::vector<std::size_t>{0, 1, 2}));
+    EXPECT_TRUE(list.Filtered(u"orla").empty());
+    EXPECT_TRUE(list.Remove(u"zed.dlg"));
+    EXPECT_EQ(list.Resources(), (Names{u"brannoc.dlg", u"ORLA.dlg"}));
 }
 
 // An undo stack as an editor answers it, whose command `failOn` fails (the editor then

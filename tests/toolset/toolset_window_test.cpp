@@ -1,6 +1,6 @@
 // The desktop toolset driven as a writer drives it, offscreen: open the demo module, find a
-// conversation in the palette, open it, read it, expand, collapse and follow links, and keep a
-// picture of the window.
+// conversation in the palette, open it, read it, expand, collapse and follow links, undo, go
+// through the faults in the Error List, and keep pictures of the window.
 #include <gtest/gtest.h>
 
 #include <QAction>
@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFocusEvent>
 #include <QImage>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -19,14 +20,19 @@
 #include <QTabWidget>
 #include <QTreeView>
 #include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
 
 #include "command_menus.h"
 #include "editor_tab.h"
 #include "error_list_dock.h"
 #include "log_dock.h"
 #include "main_window.h"
+#include "qt_host_ui.h"
 #include "resource_palette.h"
 #include "screenshot.h"
+#include "search_results_dock.h"
 #include "support/conversation_builder.h"
 #include "support/demo_module.h"
 #include "support/scripted_ui.h"
@@ -103,6 +109,20 @@ protected:
             rows += AllRows(model, model.index(row, 0, under));
         return rows;
     }
+    // `index`'s place in a pre-order walk of the whole tree, the first item 0; -1 when absent.
+    static int PreOrderNumber(QAbstractItemModel& model, const QModelIndex& index) {
+        int number = 0;
+        std::function<bool(const QModelIndex&)> walk = [&](const QModelIndex& under) {
+            for (int row = 0; row < model.rowCount(under); ++row) {
+                QModelIndex at = model.index(row, 0, under);
+                if (at == index) return true;
+                ++number;
+                if (walk(at)) return true;
+            }
+            return false;
+        };
+        return walk({}) ? number : -1;
+    }
     // Every item's text in pre-order: the tree's shape and contents in one comparable value.
     static QStringList Texts(QAbstractItemModel& model, const QModelIndex& under = {}) {
         QStringList texts;
@@ -132,7 +152,7 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     window.Palette().SetFilter(QStringLiteral("orla"));
     EXPECT_EQ(window.Palette().VisibleResources(), (QStringList{"orla_welcome.dlg", "orla.utc"}));
     window.Palette().SetFilter({});
-    EXPECT_EQ(window.Palette().VisibleResources().size(), 16);
+    EXPECT_EQ(window.Palette().VisibleResources().size(), 17);
 
     ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome"), QStringLiteral("dlg")));
     EXPECT_EQ(window.windowTitle(), QStringLiteral("orla_welcome.dlg - Mistreach Toolset"));
@@ -387,6 +407,114 @@ TEST_F(ToolsetWindow, UndoAndRedoFollowTheEditorsHistoryAndItsSavePoint) {
     EXPECT_EQ(ui.shown().size(), 1u);
     EXPECT_EQ(rows(), QStringList{});
     EXPECT_FALSE(history.isEnabled() || undo.isEnabled() || redo.isEnabled());
+}
+
+TEST_F(ToolsetWindow, TheErrorListFollowsTheEditorsAndLeadsToTheirLines) {
+    // Error lists reach the window through the host user interface, as in the toolset; nobody
+    // is there to answer a dialog.
+    toolset::QtHostUi ui(
+        &window, {}, {},
+        [this](std::u16string_view resource, const std::vector<ts::ErrorEntry>& errors) {
+            window.ReplaceErrors(resource, errors);
+        });
+    ui.AnswerOnTerminal(stderr);
+    window.show();
+    window.activateWindow();  // the keyboard goes where the user goes
+    QApplication::processEvents();
+    ASSERT_TRUE(window.OpenModule(QString::fromStdString(CopyOfDemo("errors"))));
+    toolset::ErrorListDock& errors = window.Errors();
+    auto shown = [&errors] {
+        std::string text;
+        for (int row = 0; row < errors.Count(); ++row) {
+            const toolset::ErrorListRow& r = errors.ShownRow(row);
+            text += ts::Utf16ToUtf8(r.resource) + ":" + std::to_string(r.line) + ": " +
+                    ts::Utf16ToUtf8(r.message) + "\n";
+        }
+        return text;
+    };
+    auto lines = [&errors] {
+        std::vector<int> numbers;
+        for (int row = 0; row < errors.Count(); ++row) numbers.push_back(errors.ShownRow(row).line);
+        return numbers;
+    };
+
+    // A clean conversation lists nothing; the faulty one what toolset-cli validate prints.
+    ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
+    EXPECT_EQ(errors.Count(), 0);
+    ASSERT_TRUE(window.OpenResource(QStringLiteral("faulty_examples.dlg")));
+    std::stringstream expected;
+    expected << std::ifstream(TS_FAULTY_EXAMPLES).rdbuf();
+    EXPECT_EQ(shown(), expected.str());
+    EXPECT_EQ(errors.windowTitle(), QStringLiteral("Error List (10)"));
+
+    // Another resource's rows sort first; the filter shows one resource's.
+    window.ReplaceErrors(u"another.dlg", {{3, u"Made up"}});
+    EXPECT_EQ(errors.Count(), 11);
+    EXPECT_EQ(errors.ShownRow(0).resource, u"another.dlg");
+    auto* choices = errors.findChild<QComboBox*>(QStringLiteral("ErrorListFilter"));
+    ASSERT_NE(choices, nullptr);
+    ASSERT_EQ(choices->count(), 3);
+    EXPECT_EQ(choices->itemText(2), QStringLiteral("faulty_examples.dlg"));
+    emit choices->activated(2);
+    EXPECT_EQ(shown(), expected.str());
+    window.ReplaceErrors(u"another.dlg", {});
+    EXPECT_EQ(choices->count(), 2);
+
+    // Enter on a row shows the conversation's tab with the row's line selected (the tree's
+    // pre-order number of the current item, the root 0).
+    ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
+    QTreeView& list = errors.View();
+    list.setCurrentIndex(list.model()->index(8, 0));
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(&list, &enter);
+    ASSERT_EQ(window.ActiveEditor()->ResourceName(), u"faulty_examples.dlg");
+    QAbstractItemModel& tree = *Tree().model();
+    EXPECT_EQ(PreOrderNumber(tree, Tree().currentIndex()), 14);
+    EXPECT_TRUE(Tree().hasFocus()) << "the keyboard goes with the user, to the editor";
+    // The picture: the faulty conversation beside its faults, the chosen one's line selected.
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
+    errors.raise();
+    QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_error_list.png");
+    QFile::remove(shot);
+    ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
+
+    // The list follows the editor at once: deleting the line takes its fault away and undo
+    // brings it back; a line inserted under line 1 moves the faults after it down by one.
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.Delete")));
+    EXPECT_EQ(lines(), (std::vector<int>{0, 2, 4, 5, 6, 7, 9, 11, 15}));
+    window.UndoAction()->trigger();
+    EXPECT_EQ(shown(), expected.str());
+    Tree().setCurrentIndex(tree.index(0, 0, tree.index(0, 0)));
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.DialogEditor.Insert.Line")));
+    EXPECT_EQ(lines(), (std::vector<int>{0, 2, 5, 6, 7, 8, 10, 12, 15, 17}));
+    window.UndoAction()->trigger();
+    EXPECT_EQ(shown(), expected.str());
+
+    // Closing the conversation takes its faults away.
+    window.CloseCurrent();
+    EXPECT_EQ(errors.Count(), 0);
+    EXPECT_EQ(errors.windowTitle(), QStringLiteral("Error List"));
+}
+
+TEST_F(ToolsetWindow, FindLinksListsTheLinksAndLeadsToThem) {
+    toolset::QtHostUi ui(&window, {}, {});
+    ui.AnswerOnTerminal(stderr);
+    ASSERT_TRUE(window.OpenModule(QString::fromStdString(DemoPath())));
+    ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
+    QAbstractItemModel& tree = *Tree().model();
+    Tree().setCurrentIndex(Find(tree, QStringLiteral("I'm looking for work.")));
+    ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.DialogEditor.FindLinks")));
+
+    toolset::SearchResultsDock& results = window.SearchResults();
+    ASSERT_EQ(results.Results().size(), 1u);
+    EXPECT_EQ(results.Results()[0].location, u"StartLine=18");
+    EXPECT_EQ(results.View().item(0)->text(), QStringLiteral("(18) : I'm looking for work."));
+    EXPECT_EQ(results.Status(), QStringLiteral("Search complete, 1 links found."));
+    EXPECT_TRUE(results.isVisibleTo(&window));
+
+    emit results.View().itemActivated(results.View().item(0));
+    EXPECT_EQ(PreOrderNumber(tree, Tree().currentIndex()), 18);
 }
 
 TEST(ToolsetLayout, TheWindowComesBackWhereTheUserLeftIt) {

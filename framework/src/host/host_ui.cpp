@@ -16,6 +16,11 @@ std::atomic<ts::HostUi*>& Installed() {
     return ui;
 }
 
+std::atomic<bool>& ShowingPopup() {
+    static std::atomic<bool> showing{false};
+    return showing;
+}
+
 // The answers of each button set, in button order.
 struct ButtonSet {
     int answers[3];
@@ -99,6 +104,30 @@ void TsLogWindowOutput(std::u16string_view text) {
 
 void TsReplaceError(std::u16string_view resource, const std::vector<ts::ErrorEntry>& errors) {
     if (ts::HostUi* ui = Installed().load()) ui->ReplaceErrors(resource, errors);
+}
+
+std::uint32_t TsPopupMenu(const std::vector<TsPopupMenuItem>& items) {
+    // One menu at a time: a second would be shown from within the first one's event loop.
+    ts::HostUi* ui = Installed().load();
+    if (!ui || ShowingPopup().load() || items.empty()) return 0;
+    struct Showing {
+        Showing() { ShowingPopup() = true; }
+        ~Showing() { ShowingPopup() = false; }
+    };
+    std::uint32_t chosen;
+    {
+        Showing showing;
+        chosen = ui->PopupMenu(items);
+    }
+    for (const TsPopupMenuItem& item : items)
+        if (chosen != 0 && item.id == chosen && !item.name.empty() &&
+            (item.state & kTsCommandEnabled))
+            return chosen;
+    return 0;
+}
+
+bool TsIsPopupMenuShowing() {
+    return ShowingPopup().load();
 }
 
 namespace ts {

@@ -43,7 +43,8 @@ CConversationEditorWnd::CConversationEditorWnd(CTsWindowInterface<CConversationE
     document_.Tree().Items().SetSelectionFollower([this](dlg::TreeItem item) {
         panes_->SetSelection(item != dlg::kNoItem && item == document_.Tree().RootItem(), item);
     });
-    view_ = dlg::MakeEditorView(document_.Tree().Items(), parent);
+    editing_ = dlg::MakeTreeEditing(*this);
+    view_ = dlg::MakeEditorView(document_.Tree().Items(), *editing_, parent);
     if (view_) view_->ShowPanes(*panes_);
     document_.Edits().AddObserver(&Markers());
     RefreshStateDisplay();

@@ -146,6 +146,8 @@ private:
     std::vector<dlg::CommandRecord*> menus_;
     // Its panes refer to the document; the view shows it and goes first.
     std::unique_ptr<dlg::CSettingsDlg> panes_;
+    // The view's way back to the window's editing; it outlives the view.
+    std::unique_ptr<dlg::TreeEditing> editing_;
     // After the document: the view follows its item tree and goes first.
     std::unique_ptr<dlg::EditorView> view_;
     CTsEventSinkConnection<CTsWindowInterface<CConversationEditorWnd>> events_;

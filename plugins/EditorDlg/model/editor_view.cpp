@@ -15,9 +15,10 @@ EditorViewFactory SetEditorViewFactory(EditorViewFactory factory) {
     return std::exchange(Factory(), std::move(factory));
 }
 
-std::unique_ptr<EditorView> MakeEditorView(ItemTree& items, TsWindowHandle parent) {
+std::unique_ptr<EditorView> MakeEditorView(ItemTree& items, TreeEditing& editing,
+                                           TsWindowHandle parent) {
     if (!parent || !Factory()) return nullptr;
-    return Factory()(items, parent);
+    return Factory()(items, editing, parent);
 }
 
 }  // namespace dlg

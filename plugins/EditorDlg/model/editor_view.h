@@ -5,6 +5,7 @@
 #include <string>
 
 #include "model/item_tree.h"
+#include "model/tree_editing.h"
 #include "ts/uiwindow.h"
 
 namespace dlg {
@@ -28,15 +29,17 @@ public:
     virtual void ShowPanes(CSettingsDlg& /*host*/) {}
 };
 
-// Makes the view of an editor window inside the host's frame `parent`, showing `items`.
-using EditorViewFactory =
-    std::function<std::unique_ptr<EditorView>(ItemTree& items, TsWindowHandle parent)>;
+// Makes the view of an editor window inside the host's frame `parent`, showing `items`; the
+// view edits through `editing`, which outlives it.
+using EditorViewFactory = std::function<std::unique_ptr<EditorView>(
+    ItemTree& items, TreeEditing& editing, TsWindowHandle parent)>;
 
 // Installs the factory (an empty one removes it) and returns the one it replaces.
 EditorViewFactory SetEditorViewFactory(EditorViewFactory factory);
 
 // The view for a new window; null when no factory is installed or the host gave no frame (a
 // host without a screen).
-std::unique_ptr<EditorView> MakeEditorView(ItemTree& items, TsWindowHandle parent);
+std::unique_ptr<EditorView> MakeEditorView(ItemTree& items, TreeEditing& editing,
+                                           TsWindowHandle parent);
 
 }  // namespace dlg

@@ -72,11 +72,13 @@ void ConversationEditorView::SetPaneMode(int mode) {
 
 void InstallQtEditorView() {
     KeepQtLoaded();
-    SetEditorViewFactory([](ItemTree& items, TsWindowHandle parent) -> std::unique_ptr<EditorView> {
+    SetEditorViewFactory([](ItemTree& items, TreeEditing& editing,
+                            TsWindowHandle parent) -> std::unique_ptr<EditorView> {
         // Widgets need a widget application; a host without one gets no view.
         if (!qobject_cast<QApplication*>(QCoreApplication::instance())) return nullptr;
         auto* frame = static_cast<QWidget*>(parent);
         auto* view = new ConversationEditorView(items, frame);
+        view->Tree().SetEditing(&editing);
         if (QLayout* layout = frame->layout()) layout->addWidget(view);
         view->show();
         return std::make_unique<QtEditorView>(view);

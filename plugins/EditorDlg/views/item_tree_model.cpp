@@ -78,7 +78,10 @@ QVariant ItemTreeModel::data(const QModelIndex& index, int role) const {
 Qt::ItemFlags ItemTreeModel::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::NoItemFlags;
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
-    if (!items_.HasChildren(ItemOf(index))) flags |= Qt::ItemNeverHasChildren;
+    TreeItem item = ItemOf(index);
+    // A top-level item is the conversation itself, which is never dragged.
+    if (items_.GetParent(item) != kNoItem) flags |= Qt::ItemIsDragEnabled;
+    if (!items_.HasChildren(item)) flags |= Qt::ItemNeverHasChildren;
     return flags;
 }
 

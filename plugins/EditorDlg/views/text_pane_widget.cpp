@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QTimer>
@@ -82,9 +83,19 @@ TextPaneWidget::TextPaneWidget(CTextDlg& pane, QWidget* parent)
     form->addRow(narration_);
     form->addRow(QStringLiteral("Voice-over"), voStatus_);
     form->addRow(QStringLiteral("Translation"), translationStatus_);
+    // The fields scroll rather than set a minimum height for the whole editor.
+    auto* scroll = new QScrollArea;
+    scroll->setWidget(fields);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    text_->setMinimumHeight(0);
     splitter_->addWidget(text_);
-    splitter_->addWidget(fields);
+    splitter_->addWidget(scroll);
     splitter_->setChildrenCollapsible(false);
+    // A line's text is a few lines long; the fields below get the rest.
+    splitter_->setStretchFactor(0, 1);
+    splitter_->setStretchFactor(1, 3);
+    splitter_->setSizes({100, 300});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(splitter_);

@@ -9,6 +9,7 @@
 
 #include "ts/api.h"
 #include "ts/result.h"
+#include "ts/uicommandsource.h"
 
 // Message box styles and answers, with the platform's values.
 inline constexpr std::uint32_t MB_OK = 0x0;
@@ -47,6 +48,21 @@ TS_API HRESULT TsResourceOpenDlg(std::u16string_view title, std::u16string_view 
 // diagnostic log at level INFO.
 TS_API void TsLogWindowOutput(std::u16string_view text);
 
+// One entry of a popup menu: a command by its name, from which the host makes the entry's text as
+// it does for its menus, its id and its kTsCommand* state; an entry without a name separates.
+struct TsPopupMenuItem {
+    std::u16string name;
+    std::uint32_t id = 0;
+    std::uint32_t state = 0;
+};
+
+// Shows `items` as a popup menu at the cursor and returns the id of the command the user chose;
+// 0 when the user chose nothing, when a popup menu is already showing, or when no host user
+// interface can show one. An id that is not an enabled entry of `items` counts as nothing.
+TS_API std::uint32_t TsPopupMenu(const std::vector<TsPopupMenuItem>& items);
+// Whether a popup menu of TsPopupMenu is showing now.
+TS_API bool TsIsPopupMenuShowing();
+
 namespace ts {
 
 // One entry of a resource's error list: the line it concerns (its number in the editor's tree,
@@ -79,6 +95,8 @@ public:
         return false;
     }
     virtual void LogOutput(std::u16string_view text);
+    // The chosen command's id, 0 for none; hosts without menus choose nothing.
+    virtual std::uint32_t PopupMenu(const std::vector<TsPopupMenuItem>& /*items*/) { return 0; }
     virtual void ReplaceErrors(std::u16string_view /*resource*/,
                                const std::vector<ErrorEntry>& /*errors*/) {}
 };
