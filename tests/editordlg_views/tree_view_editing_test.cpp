@@ -9,9 +9,11 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QScrollBar>
+#include <QSplitter>
 #include <QTest>
 #include <QVBoxLayout>
 
+#include "core/layout_places.h"
 #include "core/window_interface.h"
 #include "model/conversation_editor_wnd.h"
 #include "model/dlg_editor_settings.h"
@@ -20,6 +22,7 @@
 #include "support/demo_module_fixture.h"
 #include "support/scripted_ui.h"
 #include "ts/comobject.h"
+#include "ts/editorlayout.h"
 #include "views/conversation_editor_view.h"
 #include "views/item_drag_data.h"
 
@@ -311,6 +314,29 @@ TEST_F(TreeViewEditing, KeysAndTheContextMenuRunTheEditingCommands) {
     QApplication::sendEvent(e.tree->viewport(), &onWork);
     EXPECT_EQ(e.LastLabel(), u"Insert Line");
     EXPECT_EQ(items.GetParent(items.GetSelection()), work);
+}
+
+// The user moves the splitter between the tree and the panes; the next editor opens with it
+// there, and the layout file has it.
+TEST_F(TreeViewEditing, TheSplitterStaysWhereTheUserLeftIt) {
+    Editor& e = Open(u"orla_welcome");
+    auto* splitter = e.frame.findChild<QSplitter*>(QStringLiteral("WindowSplitter"));
+    ASSERT_NE(splitter, nullptr);
+    QList<int> sizes = splitter->sizes();
+    ASSERT_EQ(sizes.size(), 2);
+    int total = sizes[0] + sizes[1];
+    splitter->setSizes({total / 3, total - total / 3});
+    emit splitter->splitterMoved(total / 3, 1);
+    e.object->CloseUIWindow();
+    editors_.clear();
+    EXPECT_EQ(ts::ReadEditorLayout(ts::UserLayoutFilePath(), u"EditorsConversation")
+                  .at(u"WindowSplitter"),
+              total / 3);
+
+    Editor& again = Open(u"brannoc_caravan");
+    auto* reopened = again.frame.findChild<QSplitter*>(QStringLiteral("WindowSplitter"));
+    ASSERT_NE(reopened, nullptr);
+    EXPECT_EQ(reopened->sizes().value(0), total / 3);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "support/test_folders.h"
@@ -13,6 +14,9 @@ int main(int argc, char** argv) {
     std::string root = ts::test::MakeTempFolder("ts-test");
     setenv("XDG_DATA_HOME", (root + "/data").c_str(), 1);
     setenv("XDG_CONFIG_HOME", (root + "/config").c_str(), 1);
+    // The documents folder (editor layouts) too, named where the desktop names it.
+    std::filesystem::create_directories(root + "/config");
+    std::ofstream(root + "/config/user-dirs.dirs") << "XDG_DOCUMENTS_DIR=\"" << root << "/documents\"\n";
     int result = RUN_ALL_TESTS();
     std::error_code ec;
     std::filesystem::remove_all(root, ec);

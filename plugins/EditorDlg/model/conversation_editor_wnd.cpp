@@ -7,6 +7,7 @@
 #include "core/string_enum.h"
 #include "model/dlg_editor_settings.h"
 #include "model/editing/node_clipboard.h"
+#include "model/editor_layout.h"
 #include "model/editor_commands.h"
 #include "model/known_tags.h"
 #include "model/plugin_events.h"
@@ -55,6 +56,8 @@ CConversationEditorWnd::~CConversationEditorWnd() {
     ClearHistory();
     document_.Edits().RemoveObserver(&Markers());
     dlg::NodeClipboard::Process().ForgetTree(document_.Tree());
+    // Splitters move only on screen; the next editor opens as the user left this one.
+    if (view_) dlg::EditorLayout::Process().Save();
     // The host lists the faults of open conversations only.
     if (IsLoaded()) TsReplaceError(DisplayName(), {});
 }

@@ -8,6 +8,7 @@
 #include <QTabWidget>
 
 #include "model/conversation_editor_wnd.h"
+#include "views/splitter_keeper.h"
 #include "views/pane_host_widget.h"
 
 namespace dlg {
@@ -60,6 +61,7 @@ ConversationEditorView::ConversationEditorView(ItemTree& items, QWidget* parent)
     setStretchFactor(0, 3);
     setStretchFactor(1, 2);
     setSizes({640, 360});
+    KeepSplitterPosition(*this);
 }
 
 void ConversationEditorView::ShowPanes(CSettingsDlg& host) {

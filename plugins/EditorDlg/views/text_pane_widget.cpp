@@ -15,6 +15,7 @@
 #include "model/conversation_editor_wnd.h"
 #include "model/dlg_editor_settings.h"
 #include "views/markup_highlighter.h"
+#include "views/splitter_keeper.h"
 #include "views/value_cache_combo.h"
 
 namespace dlg {
@@ -96,6 +97,7 @@ TextPaneWidget::TextPaneWidget(CTextDlg& pane, QWidget* parent)
     splitter_->setStretchFactor(0, 1);
     splitter_->setStretchFactor(1, 3);
     splitter_->setSizes({100, 300});
+    KeepSplitterPosition(*splitter_);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(splitter_);
