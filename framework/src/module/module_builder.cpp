@@ -7,6 +7,7 @@
 #include "json/json_document.h"
 #include "json/json_values.h"
 #include "ts/format.h"
+#include "ts/linestrings.h"
 #include "ts/modulebuilder.h"
 #include "ts/resourcecodec.h"
 #include "ts/resourcejson.h"
@@ -169,30 +170,13 @@ private:
 
     // Records that carry a StringID and a Text (the lines of conversations) keep their text in the
     // module's string table too.
-    void CollectLineStrings(ITsProperty* node, const fs::path& file,
+    void CollectLineStrings(ITsProperty* root, const fs::path& file,
                             const std::u16string& resource) {
-        static const TsAtom kStringId = TsAddAtom(u"StringID");
-        static const TsAtom kText = TsAddAtom(u"Text");
-        static const TsAtom kLanguage = TsAddAtom(u"LanguageID");
-        if (node->GetType() != kTsTypeList) return;
-        CTsComPtr<ITsProperty> id, text, language;
-        if (SUCCEEDED(node->FindChild(kStringId, 0, id.Put())) && id->GetType() == kTsTypeInt &&
-            SUCCEEDED(node->FindChild(kText, 0, text.Put())) &&
-            TsAccessorGroup(text->GetType()) == kTsTypeString) {
-            variant idValue, textValue, languageValue(kTsTypeInt, 0);
-            id->GetValue(&idValue);
-            text->GetValue(&textValue);
-            if (SUCCEEDED(node->FindChild(kLanguage, 0, language.Put())) &&
-                language->GetType() == kTsTypeInt)
-                language->GetValue(&languageValue);
-            if (idValue.GetInt() >= 0)
-                AddString(idValue.GetInt(), languageValue.GetInt(), textValue.GetString(),
-                          Format(u"%ls (%ls)", Shown(file, sources_), resource), file);
-        }
-        ITsProperty* const* children = nullptr;
-        std::uint32_t count = 0;
-        node->GetChildArray(&children, &count);
-        for (std::uint32_t i = 0; i < count; ++i) CollectLineStrings(children[i], file, resource);
+        std::vector<LineString> lines;
+        ts::CollectLineStrings(root, lines);
+        for (const LineString& line : lines)
+            AddString(line.stringId, line.language, line.text,
+                      Format(u"%ls (%ls)", Shown(file, sources_), resource), file);
     }
 
     void AddString(std::int32_t id, std::int32_t language, const std::u16string& text,

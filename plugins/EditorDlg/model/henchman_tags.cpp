@@ -1,5 +1,7 @@
 #include "model/henchman_tags.h"
 
+#include "model/validation/reference_lists.h"
+
 namespace dlg {
 
 std::unique_ptr<CValueCacheKey> HenchmenKey() {
@@ -28,6 +30,17 @@ bool HenchmanTags(CValueCacheAccessor& henchmen, std::int32_t maxHenchmen,
     for (std::int32_t number = 1; number <= maxHenchmen; ++number)
         out.push_back(HenchmanPlaceholder(number));
     return tags != nullptr;
+}
+
+std::vector<std::u16string> CreatureAndHenchmanTags(CValueCache& cache, std::int32_t maxHenchmen) {
+    std::vector<std::u16string> tags;
+    if (const TsTextPairs* creatures = cache.TextPairs(CCreatureTagsCacheKey()))
+        for (const auto& pair : *creatures) tags.push_back(pair.first);
+    CValueCacheAccessor henchmen(HenchmenKey(), cache);
+    std::vector<std::u16string> henchmanTags;
+    HenchmanTags(henchmen, maxHenchmen, henchmanTags);
+    tags.insert(tags.end(), henchmanTags.begin(), henchmanTags.end());
+    return tags;
 }
 
 }  // namespace dlg

@@ -28,4 +28,8 @@ std::u16string HenchmanPlaceholder(std::int32_t number);
 bool HenchmanTags(CValueCacheAccessor& henchmen, std::int32_t maxHenchmen,
                   std::vector<std::u16string>& out);
 
+// What a speaker or listener may name besides the reserved keywords: the tags of the module's
+// creatures in resource order, then the henchman tags.
+std::vector<std::u16string> CreatureAndHenchmanTags(CValueCache& cache, std::int32_t maxHenchmen);
+
 }  // namespace dlg

@@ -17,10 +17,8 @@ void Warn(const std::u16string& message) {
 }  // namespace
 
 std::optional<TextTagSet> LoadKnownTags() {
-    CTsComPtr<ITsResourceManager> manager;
-    if (FAILED(TsGetHostComponent(kTsResourceManagerName, ITsResourceManager::kIID,
-                                  manager.PutVoid())))
-        return std::nullopt;
+    CTsComPtr<ITsResourceManager> manager = TsHostResourceManager();
+    if (!manager) return std::nullopt;
     TextTagSet tags;
     CTsComPtr<ITsTable> table;
     if (FAILED(manager->OpenTable(kKnownTagsTable, table.Put()))) return tags;

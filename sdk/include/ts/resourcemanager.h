@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "ts/api.h"
+#include "ts/comptr.h"
 #include "ts/gametable.h"
+#include "ts/hostcomponents.h"
 #include "ts/property.h"
 #include "ts/resource.h"
 #include "ts/resourcestore.h"
@@ -88,6 +90,15 @@ protected:
 
 // The name under which hosts register the resource manager (TsRegisterHostComponent).
 inline constexpr std::u16string_view kTsResourceManagerName = u"ResMan";
+
+// The resource manager the running host registered; null while no module is open.
+inline CTsComPtr<ITsResourceManager> TsHostResourceManager() {
+    CTsComPtr<ITsResourceManager> manager;
+    if (FAILED(TsGetHostComponent(kTsResourceManagerName, ITsResourceManager::kIID,
+                                  manager.PutVoid())))
+        manager.Reset();
+    return manager;
+}
 
 // A resource manager over `store`, acting for `user` (check-outs, saves).
 TS_API HRESULT TsCreateResourceManager(std::shared_ptr<ts::ResourceStore> store,

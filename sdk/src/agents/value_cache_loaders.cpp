@@ -18,12 +18,8 @@ void Warn(std::u16string_view message) {
 
 // The host's resource manager; null, with `missing` reported, when no module is open.
 CTsComPtr<ITsResourceManager> ResourceManager(std::u16string_view missing) {
-    CTsComPtr<ITsResourceManager> manager;
-    if (FAILED(TsGetHostComponent(kTsResourceManagerName, ITsResourceManager::kIID,
-                                  manager.PutVoid()))) {
-        Report(ReportLevel::Assert, __FILE__, __LINE__, std::u16string(missing));
-        manager.Reset();
-    }
+    CTsComPtr<ITsResourceManager> manager = TsHostResourceManager();
+    if (!manager) Report(ReportLevel::Assert, __FILE__, __LINE__, std::u16string(missing));
     return manager;
 }
 

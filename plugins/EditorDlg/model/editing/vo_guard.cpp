@@ -27,11 +27,9 @@ bool VoGuard::IsSent(std::int32_t stringId) {
 
 bool VoGuard::Sent(std::int32_t stringId, bool* reRecordPending) {
     if (stringId < 0 || noQuestion_.count(stringId)) return false;
-    CTsComPtr<ITsResourceManager> manager;
+    CTsComPtr<ITsResourceManager> manager = TsHostResourceManager();
     ts::VORecordingStatus status;
-    bool sent = SUCCEEDED(TsGetHostComponent(kTsResourceManagerName, ITsResourceManager::kIID,
-                                             manager.PutVoid())) &&
-                manager->GetVORecordingStatus(stringId, &status) == S_OK &&
+    bool sent = manager && manager->GetVORecordingStatus(stringId, &status) == S_OK &&
                 status.sentForRecordingOn != 0;
     if (!sent) noQuestion_.insert(stringId);
     if (reRecordPending) *reRecordPending = sent && status.requiresReRecording;

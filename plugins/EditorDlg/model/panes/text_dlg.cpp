@@ -24,14 +24,6 @@ namespace dlg {
 
 namespace {
 
-CTsComPtr<ITsResourceManager> ResourceManager() {
-    CTsComPtr<ITsResourceManager> manager;
-    if (FAILED(TsGetHostComponent(kTsResourceManagerName, ITsResourceManager::kIID,
-                                  manager.PutVoid())))
-        return {};
-    return manager;
-}
-
 // Tags are stored in lower case; the keywords that stand for a role, in capitals.
 std::u16string NormalTag(std::u16string_view tag, bool listener) {
     for (std::u16string_view keyword : {u"OWNER", u"PLAYER", u"PREVSPEAKER"}) {
@@ -150,7 +142,7 @@ void CTextDlg::FillStatus() {
     if (!node) return;
     std::int32_t id = -1;
     node->Shown().line.GetStringID(id);
-    CTsComPtr<ITsResourceManager> manager = ResourceManager();
+    CTsComPtr<ITsResourceManager> manager = TsHostResourceManager();
     if (!manager) return;
     // A record that cannot be read leaves its text empty rather than claim "not sent".
     ts::VORecordingStatus vo;
@@ -268,11 +260,8 @@ bool CTextDlg::ApplyNumber(std::u16string_view field, std::int32_t value, std::u
 std::vector<std::u16string> CTextDlg::SpeakerChoices() {
     if (IsPlayerLine()) return {u"PLAYER"};
     std::vector<std::u16string> choices{std::u16string(kDefaultTag), u"OWNER"};
-    if (const TsTextPairs* creatures = cache_.TextPairs(CCreatureTagsCacheKey()))
-        for (const auto& pair : *creatures) choices.push_back(pair.first);
-    CValueCacheAccessor henchmen(HenchmenKey(), cache_);
-    std::vector<std::u16string> tags;
-    HenchmanTags(henchmen, TheDlgEditorSettings().MaxHenchmen, tags);
+    std::vector<std::u16string> tags =
+        CreatureAndHenchmanTags(cache_, TheDlgEditorSettings().MaxHenchmen);
     choices.insert(choices.end(), tags.begin(), tags.end());
     return choices;
 }
@@ -280,11 +269,8 @@ std::vector<std::u16string> CTextDlg::SpeakerChoices() {
 std::vector<std::u16string> CTextDlg::ListenerChoices() {
     std::vector<std::u16string> choices{std::u16string(kDefaultTag), u"OWNER", u"PLAYER",
                                         u"PREVSPEAKER"};
-    if (const TsTextPairs* creatures = cache_.TextPairs(CCreatureTagsCacheKey()))
-        for (const auto& pair : *creatures) choices.push_back(pair.first);
-    CValueCacheAccessor henchmen(HenchmenKey(), cache_);
-    std::vector<std::u16string> tags;
-    HenchmanTags(henchmen, TheDlgEditorSettings().MaxHenchmen, tags);
+    std::vector<std::u16string> tags =
+        CreatureAndHenchmanTags(cache_, TheDlgEditorSettings().MaxHenchmen);
     choices.insert(choices.end(), tags.begin(), tags.end());
     return choices;
 }
@@ -348,7 +334,7 @@ bool CTextDlg::ApplyText(bool messages) {
     // A line copied from another keeps its string id; its own text needs an id of its own. The
     // copies in this conversation are counted here (the stored one may be older).
     if (id >= 0 && stringIds_.Count(window_.Document().Tree(), id) > 1) id = -1;
-    CTsComPtr<ITsResourceManager> manager = ResourceManager();
+    CTsComPtr<ITsResourceManager> manager = TsHostResourceManager();
     std::int32_t valid = -1;
     // The module's other conversations may hold a copy of this line under the same id.
     if (!manager || FAILED(manager->ValidateLineStringId(window_.DisplayName(), id, &valid))) {

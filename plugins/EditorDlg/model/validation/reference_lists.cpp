@@ -17,14 +17,6 @@ namespace dlg {
 
 namespace {
 
-CTsComPtr<ITsResourceManager> ResourceManager() {
-    CTsComPtr<ITsResourceManager> manager;
-    if (FAILED(TsGetHostComponent(kTsResourceManagerName, ITsResourceManager::kIID,
-                                  manager.PutVoid())))
-        manager.Reset();
-    return manager;
-}
-
 // The root of a resource of the module; null when there is none by that name or it can't be
 // decoded (the second is worth a line in the log: someone has a broken resource).
 CTsComPtr<ITsProperty> OpenRoot(ITsResourceManager& manager, std::u16string_view name,
@@ -54,7 +46,7 @@ template <class Owner, class Element, class Each>
 bool ReadList(std::u16string_view name, std::u16string_view type,
               std::uint32_t (Owner::*count)() const,
               bool (Owner::*item)(std::uint32_t, CTsComPtr<ITsProperty>&) const, Each each) {
-    CTsComPtr<ITsResourceManager> manager = ResourceManager();
+    CTsComPtr<ITsResourceManager> manager = TsHostResourceManager();
     if (!manager) return false;
     CTsComPtr<ITsProperty> root = OpenRoot(*manager, ResolveResourceName(name, type), type);
     if (!root) return false;
@@ -151,7 +143,7 @@ std::unique_ptr<CValueCacheKey> CCreatureTagsCacheKey::Clone() const {
 }
 
 bool CCreatureTagsCacheKey::LoadTextPairs(TsTextPairs& list) const {
-    CTsComPtr<ITsResourceManager> manager = ResourceManager();
+    CTsComPtr<ITsResourceManager> manager = TsHostResourceManager();
     if (!manager) return false;
     std::vector<ts::ResourceInfo> creatures;
     if (FAILED(manager->ListResources(u"utc", &creatures))) return false;

@@ -32,11 +32,7 @@ bool ParseInt(std::u16string_view text, std::int32_t& value) {
 bool ReplacementCheck::IsKnownTag(std::u16string_view tag) {
     for (std::u16string_view reserved : {u"OWNER", u"PLAYER", u"PREVSPEAKER"})
         if (ts::EqualsIgnoreAsciiCase(tag, reserved)) return true;
-    if (HasText(cache_.TextPairs(CCreatureTagsCacheKey()), tag)) return true;
-    CValueCacheAccessor henchmen(HenchmenKey(), cache_);
-    std::vector<std::u16string> tags;
-    HenchmanTags(henchmen, maxHenchmen_, tags);
-    for (const std::u16string& known : tags)
+    for (const std::u16string& known : CreatureAndHenchmanTags(cache_, maxHenchmen_))
         if (ts::EqualsIgnoreAsciiCase(known, tag)) return true;
     return false;
 }
