@@ -12,20 +12,17 @@
 #include <QTest>
 #include <QVBoxLayout>
 
-#include "core/window_interface.h"
-#include "model/conversation_editor_wnd.h"
 #include "model/dlg_editor_settings.h"
 #include "model/editing/node_clipboard.h"
 #include "model/editor_commands.h"
+#include "support/conversation_editor_object.h"
 #include "support/demo_module_fixture.h"
 #include "support/scripted_ui.h"
-#include "ts/comobject.h"
 #include "views/conversation_editor_view.h"
 #include "views/item_drag_data.h"
 
 namespace {
 
-using EditorObject = CTsComObject<CTsWindowInterface<CConversationEditorWnd>>;
 using dlg::TreeItem;
 using namespace dlg::command_id;
 
@@ -54,7 +51,7 @@ protected:
     // An editor in a frame of its own, shown, with every line open.
     struct Editor {
         QWidget frame;
-        CTsComPtr<EditorObject> object;
+        CTsComPtr<ts::test::ConversationEditorObject> object;
         CConversationEditorWnd* window = nullptr;
         dlg::ConversationTreeView* tree = nullptr;
 
@@ -80,12 +77,7 @@ protected:
         auto editor = std::make_unique<Editor>();
         editor->frame.setLayout(new QVBoxLayout);
         editor->frame.resize(500, 800);
-        CTsComPtr<ITsResource> resource;
-        EXPECT_EQ(manager_->OpenResource(name, u"dlg", resource.Put()), S_OK);
-        editor->object = EditorObject::Create();
-        EXPECT_EQ(editor->object->CreateUIWindow(&editor->frame), S_OK);
-        EXPECT_EQ(editor->object->Attach(1, (std::u16string(name) + u".dlg").c_str(), 0), S_OK);
-        EXPECT_EQ(editor->object->Load(resource.Get()), S_OK);
+        editor->object = ts::test::OpenConversationEditor(*manager_, name, 0, &editor->frame);
         editor->window = editor->object->GetWindow();
         editor->tree = editor->frame.findChild<dlg::ConversationTreeView*>();
         EXPECT_NE(editor->tree, nullptr);
