@@ -76,7 +76,7 @@ TEST(MarkerLocation, BothFormsAreWrittenAndReadBack) {
     // clang-format off
     const std::u16string_view bad[] = {
         u"", u"StartLine", u"StartLine=1&", u"StartLine=", u"StartLine=-", u"StartLine=1.5",
-        u"StartLine=99999999999", u"StartLine=2147483648", u"StartLine=-2147483649",
+        u"StartLine=18446744073709551617", u"StartLine=2147483648", u"StartLine=-2147483649",
         u"startline=1", u"StartLine=1&StartLine=2"};
     // clang-format on
     for (std::u16string_view text : bad) {
