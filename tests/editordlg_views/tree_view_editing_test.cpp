@@ -275,20 +275,12 @@ TEST_F(TreeViewEditing, KeysAndTheContextMenuRunTheEditingCommands) {
     std::vector<std::pair<std::uint32_t, bool>> shown;
     for (const TsPopupMenuItem& item : ui_.menus[0])
         shown.emplace_back(item.id, item.state & kTsCommandEnabled);
+    // clang-format off
     EXPECT_EQ(shown, (std::vector<std::pair<std::uint32_t, bool>>{
-                         {kInsertLine, false},
-                         {kInsertLineAfter, true},
-                         {0, false},
-                         {kCut, true},
-                         {kCopy, true},
-                         {kPaste, false},
-                         {kPasteAsLink, false},
-                         {0, false},
-                         {kDelete, true},
-                         {0, false},
-                         {kFindLinks, true},
-                         {kJumpToTarget, true},
-                     }));
+        {kInsertLine, false}, {kInsertLineAfter, true}, {0, false},
+        {kCut, true}, {kCopy, true}, {kPaste, false}, {kPasteAsLink, false}, {0, false},
+        {kDelete, true}, {0, false}, {kFindLinks, true}, {kJumpToTarget, true}}));
+    // clang-format on
     EXPECT_EQ(ui_.menus[0][1].name, u"Edit.DialogEditor.Insert.Line.After");
     EXPECT_EQ(items.GetSelection(), looking);
 

@@ -135,6 +135,14 @@ protected:
         return action && action->isEnabled();
     }
 
+    // A picture of the whole window, for the documentation, under the build's screenshots folder.
+    void KeepPicture(const char* name) {
+        QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/") + QLatin1String(name);
+        QFile::remove(shot);
+        ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
+        EXPECT_EQ(QImage(shot).size(), window.size());
+    }
+
     static std::string* folder_;
     toolset::MainWindow window{false};
 };
@@ -252,10 +260,7 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     window.RunCommand(QStringLiteral("Edit.Expand"));
     tree.setCurrentIndex(first);
     window.RunCommand(QStringLiteral("Edit.ExpandBranch"));
-    QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_orla_welcome.png");
-    QFile::remove(shot);
-    ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
-    EXPECT_EQ(QImage(shot).size(), window.size());
+    KeepPicture("toolset_orla_welcome.png");
 
     window.CloseCurrent();
     EXPECT_EQ(window.EditorCount(), 0);
@@ -354,9 +359,7 @@ TEST_F(ToolsetWindow, UndoAndRedoFollowTheEditorsHistoryAndItsSavePoint) {
     expectState(true, 2, 0);
     // The picture: the new lines selected in the tree, the history in its dock.
     window.History().raise();
-    QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_undo_history.png");
-    QFile::remove(shot);
-    ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
+    KeepPicture("toolset_undo_history.png");
 
     // Undone twice, as the menu does: the tree as it was, and unmodified again.
     undo.trigger();
@@ -465,9 +468,7 @@ TEST_F(ToolsetWindow, TheErrorListFollowsTheEditorsAndLeadsToTheirLines) {
     // The picture: the faulty conversation beside its faults, the chosen one's line selected.
     ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
     errors.raise();
-    QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_error_list.png");
-    QFile::remove(shot);
-    ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
+    KeepPicture("toolset_error_list.png");
 
     // The list follows the editor at once: deleting the line takes its fault away and undo
     // brings it back; a line inserted under line 1 moves the faults after it down by one.
