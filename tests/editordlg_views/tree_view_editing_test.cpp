@@ -17,6 +17,7 @@
 #include "model/editor_commands.h"
 #include "support/conversation_editor_object.h"
 #include "support/demo_module_fixture.h"
+#include "support/qt_environment.h"
 #include "support/scripted_ui.h"
 #include "views/conversation_editor_view.h"
 #include "views/item_drag_data.h"
@@ -26,25 +27,9 @@ namespace {
 using dlg::TreeItem;
 using namespace dlg::command_id;
 
-// One widget application for the program, with the editor's views installed.
-class QtEnvironment : public ::testing::Environment {
-public:
-    void SetUp() override {
-        app_ = std::make_unique<QApplication>(argc_, argv_);
-        dlg::InstallQtEditorView();
-    }
-    void TearDown() override {
-        dlg::SetEditorViewFactory({});
-        app_.reset();
-    }
-
-private:
-    int argc_ = 1;
-    char name_[8] = "views";
-    char* argv_[2] = {name_, nullptr};
-    std::unique_ptr<QApplication> app_;
-};
-[[maybe_unused]] auto* const gQt = ::testing::AddGlobalTestEnvironment(new QtEnvironment);
+// The editor's views are installed while the application lives.
+[[maybe_unused]] auto* const gQt = ::testing::AddGlobalTestEnvironment(new ts::test::QtEnvironment(
+    [] { dlg::InstallQtEditorView(); }, [] { dlg::SetEditorViewFactory({}); }));
 
 class TreeViewEditing : public ts::test::DemoModuleTest {
 protected:

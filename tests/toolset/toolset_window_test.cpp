@@ -31,6 +31,7 @@
 #include "search_results_dock.h"
 #include "support/conversation_builder.h"
 #include "support/demo_module.h"
+#include "support/qt_environment.h"
 #include "support/scripted_ui.h"
 #include "support/test_folders.h"
 #include "ts/resourcecodec.h"
@@ -39,19 +40,7 @@
 
 namespace {
 
-// One widget application for the whole program.
-class QtEnvironment : public ::testing::Environment {
-public:
-    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
-    void TearDown() override { app_.reset(); }
-
-private:
-    int argc_ = 1;
-    char name_[8] = "toolset";
-    char* argv_[2] = {name_, nullptr};
-    std::unique_ptr<QApplication> app_;
-};
-[[maybe_unused]] auto* const gQt = ::testing::AddGlobalTestEnvironment(new QtEnvironment);
+[[maybe_unused]] auto* const gQt = ::testing::AddGlobalTestEnvironment(new ts::test::QtEnvironment);
 
 const QColor kNpc(255, 0, 0), kPlayer(0, 0, 255), kLink(127, 127, 127), kComment(0, 127, 0);
 const QColor kAmbient(255, 229, 255);
