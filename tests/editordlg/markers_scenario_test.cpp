@@ -4,26 +4,18 @@
 // leads the host back to its line.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
-#include "core/window_interface.h"
-#include "model/conversation_editor_wnd.h"
 #include "model/editor_commands.h"
 #include "model/undo/undo_command_add_remove_nodes.h"
 #include "model/undo/undo_command_modify_node.h"
 #include "model/undo/undo_command_move_node.h"
-#include "support/demo_module.h"
+#include "support/conversation_editor_object.h"
+#include "support/demo_module_fixture.h"
 #include "support/report_capture.h"
-#include "support/test_folders.h"
 #include "ts/environment.h"
 #include "ts/events.h"
-#include "ts/hostcomponents.h"
-#include "ts/resourcemanager.h"
-#include "ts/text.h"
 
 namespace {
 
-using EditorObject = CTsComObject<CTsWindowInterface<CConversationEditorWnd>>;
 using ts::Utf16ToUtf8;
 
 // What a marker was made for: the item and the line record it showed, and the line's text.
@@ -34,29 +26,11 @@ struct MadeFor {
     std::u16string text;
 };
 
-class MarkersOnTheDemo : public ::testing::Test {
+class MarkersOnTheDemo : public ts::test::DemoModuleTest {
 protected:
-    static void SetUpTestSuite() {
-        folder_ = new std::string(ts::test::MakeTempFolder("ts-demo-markers"));
-        ASSERT_TRUE(ts::test::BuildDemoModule(*folder_ + "/demo.tsmod"));
-    }
-    static void TearDownTestSuite() {
-        std::filesystem::remove_all(*folder_);
-        delete folder_;
-    }
-
     void SetUp() override {
-        ts::StoreResult result;
-        std::shared_ptr<ts::ResourceStore> store =
-            ts::OpenSqliteStore(*folder_ + "/demo.tsmod", {}, &result);
-        ASSERT_TRUE(store) << Utf16ToUtf8(result.message);
-        ASSERT_EQ(TsCreateResourceManager(store, u"writer", manager_.Put()), S_OK);
-        ASSERT_EQ(TsRegisterHostComponent(kTsResourceManagerName, manager_.Get()), S_OK);
-        ASSERT_EQ(manager_->OpenResource(u"brannoc_caravan", u"dlg", resource_.Put()), S_OK);
-        editor_ = EditorObject::Create();
-        ASSERT_EQ(editor_->CreateUIWindow(nullptr), S_OK);
-        ASSERT_EQ(editor_->Attach(1, u"brannoc_caravan.dlg", 0), S_OK);
-        ASSERT_EQ(editor_->Load(resource_.Get()), S_OK);
+        DemoModuleTest::SetUp();
+        editor_ = ts::test::OpenConversationEditor(*manager_, u"brannoc_caravan");
         wnd_ = editor_->GetWindow();
         editor_->QueryInterface(ITsMarkerSource::kIID, markers_.PutVoid());
         editor_->QueryInterface(ITsUndoRedo::kIID, undo_.PutVoid());
@@ -67,7 +41,7 @@ protected:
     void TearDown() override {
         ts::RemoveHostEventListener(listener_);
         editor_->CloseUIWindow();
-        TsRegisterHostComponent(kTsResourceManagerName, nullptr);
+        DemoModuleTest::TearDown();
     }
 
     dlg::ConversationTree& Tree() { return wnd_->Document().Tree(); }
@@ -115,6 +89,22 @@ protected:
             lines.push_back(wnd_->Markers().At(i)->location.startLine);
         return lines;
     }
+    // `edit`, then undo and redo through the host, each heard as one "MarkersChange": the markers
+    // stand at `after`, at `undone` when it is undone, and on their own lines throughout.
+    template <class Edit>
+    void EditUndoRedo(const char* what, Edit&& edit, const std::vector<std::int32_t>& after,
+                      const std::vector<std::int32_t>& undone) {
+        SCOPED_TRACE(what);
+        EXPECT_EQ(Heard(edit), 1);
+        EXPECT_EQ(Lines(), after);
+        ExpectOnTheirLines("after the edit");
+        EXPECT_EQ(Heard([&] { EXPECT_EQ(undo_->Undo(), S_OK); }), 1);
+        EXPECT_EQ(Lines(), undone);
+        ExpectOnTheirLines("undone");
+        EXPECT_EQ(Heard([&] { EXPECT_EQ(undo_->Redo(), S_OK); }), 1);
+        EXPECT_EQ(Lines(), after);
+        ExpectOnTheirLines("redone");
+    }
     // Runs a step and counts the "MarkersChange" events the host heard meanwhile.
     template <class Step>
     int Heard(Step&& step) {
@@ -123,18 +113,14 @@ protected:
         return changes_ - before;
     }
 
-    CTsComPtr<ITsResourceManager> manager_;
-    CTsComPtr<ITsResource> resource_;
-    CTsComPtr<EditorObject> editor_;
+    CTsComPtr<ts::test::ConversationEditorObject> editor_;
     CTsComPtr<ITsMarkerSource> markers_;
     CTsComPtr<ITsUndoRedo> undo_;
     CConversationEditorWnd* wnd_ = nullptr;
     std::vector<MadeFor> madeFor_;
     int changes_ = 0;
     int listener_ = 0;
-    static std::string* folder_;
 };
-std::string* MarkersOnTheDemo::folder_ = nullptr;
 
 // The lines by TreeIndex (tests/editordlg/data/labels/brannoc_caravan.txt): 2 "Orla said you
 // lost a caravan.", 5 "Then take this map.", 8 "Forty crowns.", 10 "Not enough.", 11 "Then
@@ -155,15 +141,10 @@ TEST_F(MarkersOnTheDemo, MarkersFollowEditsUndoAndRedoAndLeadBackToTheirLines) {
 
     // Insert Line under "Then take this map.": the new line is 7, after the map line's answer.
     Tree().Items().Select(Tree().NodeAt(5)->treeItem);
-    EXPECT_EQ(
-        Heard([&] { EXPECT_EQ(editor_->ExecuteCommand(dlg::command_id::kInsertLine), S_OK); }), 1);
-    EXPECT_EQ(Lines(), (std::vector<std::int32_t>{2, 9, 12, 13, 16, 20}));
-    ExpectOnTheirLines("after Insert Line");
-    EXPECT_EQ(Heard([&] { EXPECT_EQ(undo_->Undo(), S_OK); }), 1);
-    EXPECT_EQ(Lines(), base);
-    ExpectOnTheirLines("after undoing Insert Line");
-    EXPECT_EQ(Heard([&] { EXPECT_EQ(undo_->Redo(), S_OK); }), 1);
-    ExpectOnTheirLines("after redoing Insert Line");
+    EditUndoRedo(
+        "Insert Line",
+        [&] { EXPECT_EQ(editor_->ExecuteCommand(dlg::command_id::kInsertLine), S_OK); },
+        {2, 9, 12, 13, 16, 20}, base);
     ASSERT_EQ(undo_->Undo(), S_OK);
 
     // Deleting "Not enough." takes its answer (11) and the link to that answer (13) with it: the
@@ -171,15 +152,9 @@ TEST_F(MarkersOnTheDemo, MarkersFollowEditsUndoAndRedoAndLeadBackToTheirLines) {
     auto removal =
         CUndoCommandAddRemoveNodes::RemovalOf(u"Delete Line", Edits(), Tree().NodeAt(10)->treeItem);
     ASSERT_EQ(removal->Links().size(), 1u);
-    EXPECT_EQ(Heard([&] { ASSERT_TRUE(wnd_->Perform(std::move(removal))); }), 1);
     madeFor_.erase(madeFor_.begin() + 2);
-    EXPECT_EQ(Lines(), (std::vector<std::int32_t>{2, 8, 10, 12, 16}));
-    ExpectOnTheirLines("after the delete");
-    EXPECT_EQ(Heard([&] { EXPECT_EQ(undo_->Undo(), S_OK); }), 1);
-    EXPECT_EQ(Lines(), (std::vector<std::int32_t>{2, 8, 12, 15, 19}));
-    ExpectOnTheirLines("after undoing the delete");
-    EXPECT_EQ(Heard([&] { EXPECT_EQ(undo_->Redo(), S_OK); }), 1);
-    ExpectOnTheirLines("after redoing the delete");
+    EditUndoRedo("the delete", [&] { ASSERT_TRUE(wnd_->Perform(std::move(removal))); },
+                 {2, 8, 10, 12, 16}, {2, 8, 12, 15, 19});
     ASSERT_EQ(undo_->Undo(), S_OK);
 
     // "Have you asked the harbour guard?" (14, with the answer 15) moves under "Teodor, you
@@ -187,14 +162,8 @@ TEST_F(MarkersOnTheDemo, MarkersFollowEditsUndoAndRedoAndLeadBackToTheirLines) {
     // number, the two lines coming back in front of it.
     auto move =
         std::make_unique<CUndoCommandMoveNode>(u"Drag Node", Edits(), CUndoMoveTriple{14, 18, 0});
-    EXPECT_EQ(Heard([&] { ASSERT_TRUE(wnd_->Perform(std::move(move))); }), 1);
-    EXPECT_EQ(Lines(), (std::vector<std::int32_t>{2, 8, 12, 18, 19}));
-    ExpectOnTheirLines("after the move");
-    EXPECT_EQ(Heard([&] { EXPECT_EQ(undo_->Undo(), S_OK); }), 1);
-    EXPECT_EQ(Lines(), (std::vector<std::int32_t>{2, 8, 12, 15, 19}));
-    ExpectOnTheirLines("after undoing the move");
-    EXPECT_EQ(Heard([&] { EXPECT_EQ(undo_->Redo(), S_OK); }), 1);
-    ExpectOnTheirLines("after redoing the move");
+    EditUndoRedo("the move", [&] { ASSERT_TRUE(wnd_->Perform(std::move(move))); },
+                 {2, 8, 12, 18, 19}, {2, 8, 12, 15, 19});
 
     // A field change moves nothing, so the host hears nothing.
     EXPECT_EQ(Heard([&] {
@@ -230,7 +199,9 @@ TEST_F(MarkersOnTheDemo, MarkersFollowEditsUndoAndRedoAndLeadBackToTheirLines) {
     EXPECT_EQ(items.GetSelection(), madeFor_[3].item);
 
     // Loading the conversation again empties the store, and the host hears it.
-    EXPECT_EQ(Heard([&] { ASSERT_EQ(editor_->Load(resource_.Get()), S_OK); }), 1);
+    CTsComPtr<ITsResource> resource;
+    ASSERT_EQ(manager_->OpenResource(u"brannoc_caravan", u"dlg", resource.Put()), S_OK);
+    EXPECT_EQ(Heard([&] { ASSERT_EQ(editor_->Load(resource.Get()), S_OK); }), 1);
     std::uint32_t count = 1;
     ASSERT_EQ(markers_->GetMarkerCount(&count), S_OK);
     EXPECT_EQ(count, 0u);

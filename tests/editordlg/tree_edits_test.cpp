@@ -3,15 +3,15 @@
 // Find Links, and random sequences of all of them with undo and redo.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 
-#include "core/window_interface.h"
 #include "edit_harness.h"
-#include "model/conversation_editor_wnd.h"
 #include "model/dlg_editor_settings.h"
 #include "model/editing/node_clipboard.h"
 #include "model/editing/tree_edits.h"
 #include "model/editor_commands.h"
+#include "support/conversation_editor_object.h"
 #include "support/demo_module_fixture.h"
 #include "support/scripted_ui.h"
 #include "ts/comobject.h"
@@ -19,7 +19,6 @@
 
 namespace {
 
-using EditorObject = CTsComObject<CTsWindowInterface<CConversationEditorWnd>>;
 using dlg::TreeItem;
 
 class SearchResults : public CTsComObjectRoot<ITsSearchResults> {
@@ -50,14 +49,8 @@ protected:
     }
 
     CConversationEditorWnd& Open(std::u16string_view name, std::uint32_t state = 0) {
-        CTsComPtr<ITsResource> resource;
-        EXPECT_EQ(manager_->OpenResource(name, u"dlg", resource.Put()), S_OK);
-        auto editor = EditorObject::Create();
-        EXPECT_EQ(editor->CreateUIWindow(nullptr), S_OK);
-        EXPECT_EQ(editor->Attach(1, (std::u16string(name) + u".dlg").c_str(), state), S_OK);
-        EXPECT_EQ(editor->Load(resource.Get()), S_OK);
-        editors_.push_back(editor);
-        return *editor->GetWindow();
+        editors_.push_back(ts::test::OpenConversationEditor(*manager_, name, state));
+        return *editors_.back()->GetWindow();
     }
     static TreeItem Item(CConversationEditorWnd& w, std::int32_t index) {
         return w.Document().Edits().ItemAt(index);
@@ -99,7 +92,7 @@ protected:
     }
 
     ts::test::ScriptedUi ui_;
-    std::vector<CTsComPtr<EditorObject>> editors_;
+    std::vector<CTsComPtr<ts::test::ConversationEditorObject>> editors_;
 };
 
 // orla_welcome by TreeIndex: 1 start "Back again", 2 "I'm looking for work." (linked from 18),
@@ -315,42 +308,23 @@ TEST_F(TreeEdits, RandomOperationsKeepBothTreesSound) {
     for (int step = 0; step < 120; ++step) {
         CConversationEditorWnd& w = *editors[pick(2)];
         CConversationEditorWnd& other = *editors[pick(2)];
-        std::int32_t count = static_cast<std::int32_t>(w.Document().Tree().NodeCount());
-        Select(w, static_cast<std::int32_t>(pick(std::size_t(count))));
+        Select(w, std::int32_t(pick(w.Document().Tree().NodeCount())));
         ui_.Answer(pick(2) ? IDYES : IDNO);
-        switch (pick(9)) {
-            case 0:
-                dlg::InsertLine(w, pick(2));
-                break;
-            case 1:
-                dlg::DeleteSelection(w);
-                break;
-            case 2:
-                dlg::CopySelection(w);
-                break;
-            case 3:
-                dlg::CutSelection(w);
-                break;
-            case 4:
-                dlg::PasteClipboard(w);
-                break;
-            case 5:
-                dlg::PasteClipboardAsLink(w);
-                break;
-            case 6: {
-                std::int32_t n = static_cast<std::int32_t>(other.Document().Tree().NodeCount());
-                dlg::Drop(w, other.Document().Tree(),
-                          Item(other, std::int32_t(pick(std::size_t(n)))),
+        const std::function<void()> operations[] = {
+            [&] { dlg::InsertLine(w, pick(2)); },
+            [&] { dlg::DeleteSelection(w); },
+            [&] { dlg::CopySelection(w); },
+            [&] { dlg::CutSelection(w); },
+            [&] { dlg::PasteClipboard(w); },
+            [&] { dlg::PasteClipboardAsLink(w); },
+            [&] {
+                std::size_t n = other.Document().Tree().NodeCount();
+                dlg::Drop(w, other.Document().Tree(), Item(other, std::int32_t(pick(n))),
                           w.Document().Tree().Items().GetSelection(), pick(3) == 0);
-                break;
-            }
-            case 7:
-                w.Undo();
-                break;
-            case 8:
-                w.Redo();
-                break;
-        }
+            },
+            [&] { w.Undo(); },
+            [&] { w.Redo(); }};
+        operations[pick(9)]();
         ASSERT_EQ(Broken(*editors[0]), "") << "step " << step;
         ASSERT_EQ(Broken(*editors[1]), "") << "step " << step;
     }

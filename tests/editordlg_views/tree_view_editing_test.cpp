@@ -19,45 +19,29 @@
 #include "model/dlg_editor_settings.h"
 #include "model/editing/node_clipboard.h"
 #include "model/editor_commands.h"
+#include "support/conversation_editor_object.h"
 #include "support/demo_module_fixture.h"
+#include "support/qt_environment.h"
 #include "support/scripted_ui.h"
-#include "ts/comobject.h"
 #include "ts/editorlayout.h"
 #include "views/conversation_editor_view.h"
 #include "views/item_drag_data.h"
 
 namespace {
 
-using EditorObject = CTsComObject<CTsWindowInterface<CConversationEditorWnd>>;
 using dlg::TreeItem;
 using namespace dlg::command_id;
 
-// One widget application for the program, with the editor's views installed.
-class QtEnvironment : public ::testing::Environment {
-public:
-    void SetUp() override {
-        app_ = std::make_unique<QApplication>(argc_, argv_);
-        dlg::InstallQtEditorView();
-    }
-    void TearDown() override {
-        dlg::SetEditorViewFactory({});
-        app_.reset();
-    }
-
-private:
-    int argc_ = 1;
-    char name_[8] = "views";
-    char* argv_[2] = {name_, nullptr};
-    std::unique_ptr<QApplication> app_;
-};
-[[maybe_unused]] auto* const gQt = ::testing::AddGlobalTestEnvironment(new QtEnvironment);
+// The editor's views are installed while the application lives.
+[[maybe_unused]] auto* const gQt = ::testing::AddGlobalTestEnvironment(new ts::test::QtEnvironment(
+    [] { dlg::InstallQtEditorView(); }, [] { dlg::SetEditorViewFactory({}); }));
 
 class TreeViewEditing : public ts::test::DemoModuleTest {
 protected:
     // An editor in a frame of its own, shown, with every line open.
     struct Editor {
         QWidget frame;
-        CTsComPtr<EditorObject> object;
+        CTsComPtr<ts::test::ConversationEditorObject> object;
         CConversationEditorWnd* window = nullptr;
         dlg::ConversationTreeView* tree = nullptr;
 
@@ -83,12 +67,7 @@ protected:
         auto editor = std::make_unique<Editor>();
         editor->frame.setLayout(new QVBoxLayout);
         editor->frame.resize(500, 800);
-        CTsComPtr<ITsResource> resource;
-        EXPECT_EQ(manager_->OpenResource(name, u"dlg", resource.Put()), S_OK);
-        editor->object = EditorObject::Create();
-        EXPECT_EQ(editor->object->CreateUIWindow(&editor->frame), S_OK);
-        EXPECT_EQ(editor->object->Attach(1, (std::u16string(name) + u".dlg").c_str(), 0), S_OK);
-        EXPECT_EQ(editor->object->Load(resource.Get()), S_OK);
+        editor->object = ts::test::OpenConversationEditor(*manager_, name, 0, &editor->frame);
         editor->window = editor->object->GetWindow();
         editor->tree = editor->frame.findChild<dlg::ConversationTreeView*>();
         EXPECT_NE(editor->tree, nullptr);
@@ -286,20 +265,12 @@ TEST_F(TreeViewEditing, KeysAndTheContextMenuRunTheEditingCommands) {
     std::vector<std::pair<std::uint32_t, bool>> shown;
     for (const TsPopupMenuItem& item : ui_.menus[0])
         shown.emplace_back(item.id, item.state & kTsCommandEnabled);
+    // clang-format off
     EXPECT_EQ(shown, (std::vector<std::pair<std::uint32_t, bool>>{
-                         {kInsertLine, false},
-                         {kInsertLineAfter, true},
-                         {0, false},
-                         {kCut, true},
-                         {kCopy, true},
-                         {kPaste, false},
-                         {kPasteAsLink, false},
-                         {0, false},
-                         {kDelete, true},
-                         {0, false},
-                         {kFindLinks, true},
-                         {kJumpToTarget, true},
-                     }));
+        {kInsertLine, false}, {kInsertLineAfter, true}, {0, false},
+        {kCut, true}, {kCopy, true}, {kPaste, false}, {kPasteAsLink, false}, {0, false},
+        {kDelete, true}, {0, false}, {kFindLinks, true}, {kJumpToTarget, true}}));
+    // clang-format on
     EXPECT_EQ(ui_.menus[0][1].name, u"Edit.DialogEditor.Insert.Line.After");
     EXPECT_EQ(items.GetSelection(), looking);
 

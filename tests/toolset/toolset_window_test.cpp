@@ -35,6 +35,7 @@
 #include "search_results_dock.h"
 #include "support/conversation_builder.h"
 #include "support/demo_module.h"
+#include "support/qt_environment.h"
 #include "support/scripted_ui.h"
 #include "support/test_folders.h"
 #include "ts/resourcecodec.h"
@@ -43,19 +44,7 @@
 
 namespace {
 
-// One widget application for the whole program.
-class QtEnvironment : public ::testing::Environment {
-public:
-    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
-    void TearDown() override { app_.reset(); }
-
-private:
-    int argc_ = 1;
-    char name_[8] = "toolset";
-    char* argv_[2] = {name_, nullptr};
-    std::unique_ptr<QApplication> app_;
-};
-[[maybe_unused]] auto* const gQt = ::testing::AddGlobalTestEnvironment(new QtEnvironment);
+[[maybe_unused]] auto* const gQt = ::testing::AddGlobalTestEnvironment(new ts::test::QtEnvironment);
 
 const QColor kNpc(255, 0, 0), kPlayer(0, 0, 255), kLink(127, 127, 127), kComment(0, 127, 0);
 const QColor kAmbient(255, 229, 255);
@@ -137,6 +126,14 @@ protected:
         QAction* action = window.Commands().Action(command);
         EXPECT_NE(action, nullptr) << QString::fromStdU16String(command).toStdString();
         return action && action->isEnabled();
+    }
+
+    // A picture of the whole window, for the documentation, under the build's screenshots folder.
+    void KeepPicture(const char* name) {
+        QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/") + QLatin1String(name);
+        QFile::remove(shot);
+        ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
+        EXPECT_EQ(QImage(shot).size(), window.size());
     }
 
     static std::string* folder_;
@@ -260,10 +257,7 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     window.RunCommand(QStringLiteral("Edit.Expand"));
     tree.setCurrentIndex(first);
     window.RunCommand(QStringLiteral("Edit.ExpandBranch"));
-    QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_orla_welcome.png");
-    QFile::remove(shot);
-    ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
-    EXPECT_EQ(QImage(shot).size(), window.size());
+    KeepPicture("toolset_orla_welcome.png");
 
     window.CloseCurrent();
     EXPECT_EQ(window.EditorCount(), 0);
@@ -362,9 +356,7 @@ TEST_F(ToolsetWindow, UndoAndRedoFollowTheEditorsHistoryAndItsSavePoint) {
     expectState(true, 2, 0);
     // The picture: the new lines selected in the tree, the history in its dock.
     window.History().raise();
-    QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_undo_history.png");
-    QFile::remove(shot);
-    ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
+    KeepPicture("toolset_undo_history.png");
 
     // Undone twice, as the menu does: the tree as it was, and unmodified again.
     undo.trigger();
@@ -474,9 +466,7 @@ TEST_F(ToolsetWindow, TheErrorListFollowsTheEditorsAndLeadsToTheirLines) {
     // The picture: the faulty conversation beside its faults, the chosen one's line selected.
     ASSERT_TRUE(window.RunCommand(QStringLiteral("Edit.ExpandAll")));
     errors.raise();
-    QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_error_list.png");
-    QFile::remove(shot);
-    ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
+    KeepPicture("toolset_error_list.png");
 
     // The list follows the editor at once: deleting the line takes its fault away and undo
     // brings it back; a line inserted under line 1 moves the faults after it down by one.
