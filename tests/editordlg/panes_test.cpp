@@ -10,6 +10,7 @@
 #include "model/editing/node_clipboard.h"
 #include "model/editing/tree_edits.h"
 #include "model/line_properties.h"
+#include "model/panes/root_dlg.h"
 #include "model/panes/text_dlg.h"
 #include "model/validation/replacement_check.h"
 #include "support/demo_module_fixture.h"
@@ -505,6 +506,101 @@ TEST_F(Panes, ControlsApplyWhenTheSelectionMovesOnWithoutMovingItBack) {
     EXPECT_EQ(w.UndoCommandAt(0)->Label(), u"Delete Line");
     ASSERT_TRUE(w.Undo());
     EXPECT_FALSE(Field<bool>(w, leaf, u"Narration"));
+}
+
+TEST_F(Panes, GlobalSettingsWriteTheConversationDefaultsAndFlags) {
+    using dlg::CRootDlg;
+    CConversationEditorWnd& w = Open(u"orla_welcome");
+    dlg::ItemTree& items = w.Document().Tree().Items();
+    TreeItem root = w.Document().Tree().RootItem();
+    ASSERT_EQ(w.Panes().ShownTab(), dlg::kTabGlobalSettings);
+    auto& pane = *static_cast<CRootDlg*>(w.Panes().Pane(dlg::kTabGlobalSettings));
+    EXPECT_TRUE(pane.Enabled());
+    EXPECT_EQ(pane.Controls().Tag(CRootDlg::kNpcSpeaker),
+              Field<std::u16string>(w, root, u"DefaultNPCSpeaker"));
+    EXPECT_FALSE(pane.Apply(dlg::LinePane::kAllControls, true));
+    EXPECT_EQ(w.UndoCount(), 0u);
+
+    // Each check box writes its own field under its own label, once.
+    for (int c = CRootDlg::kAmbientSoundSet; c <= CRootDlg::kLastControl; ++c) {
+        const CRootDlg::ControlInfo& info = CRootDlg::Info(c);
+        SCOPED_TRACE(ts::Utf16ToUtf8(info.label));
+        std::size_t depth = w.UndoCount();
+        bool before = Field<bool>(w, root, info.field);
+        pane.Controls().Box(c) = !before;
+        EXPECT_TRUE(pane.Apply(c, true));
+        ASSERT_EQ(w.UndoCount(), depth + 1);
+        EXPECT_EQ(w.UndoCommandAt(0)->Label(), info.label);
+        EXPECT_EQ(Field<bool>(w, root, info.field), !before);
+        EXPECT_FALSE(pane.Apply(c, true));
+        EXPECT_EQ(w.UndoCount(), depth + 1);
+    }
+    EXPECT_EQ(w.UndoCommandAt(3)->Label(), u"RoboZelt Locked Change");
+
+    // A lock toggled twice: two steps that cancel out, and undoing shows each state again.
+    std::size_t depth = w.UndoCount();
+    bool locked = Field<bool>(w, root, u"AllCameraLocked");
+    pane.Controls().Box(CRootDlg::kCameraLocked) = !locked;
+    ASSERT_TRUE(pane.Apply(CRootDlg::kCameraLocked, true));
+    pane.Controls().Box(CRootDlg::kCameraLocked) = locked;
+    ASSERT_TRUE(pane.Apply(CRootDlg::kCameraLocked, true));
+    ASSERT_EQ(w.UndoCount(), depth + 2);
+    EXPECT_EQ(Field<bool>(w, root, u"AllCameraLocked"), locked);
+    ASSERT_TRUE(w.Undo());
+    EXPECT_EQ(Field<bool>(w, root, u"AllCameraLocked"), !locked);
+    EXPECT_EQ(pane.Controls().Box(CRootDlg::kCameraLocked), !locked);
+    ASSERT_TRUE(w.Undo());
+    EXPECT_EQ(Field<bool>(w, root, u"AllCameraLocked"), locked);
+    EXPECT_EQ(pane.Controls().Box(CRootDlg::kCameraLocked), locked);
+
+    // Tags follow the speaker and listener rules: keywords in capitals, other tags in lower
+    // case, "(default)" empty.
+    struct TagCase {
+        int control;
+        std::u16string typed, stored, label;
+    };
+    const TagCase tags[] = {
+        {CRootDlg::kNpcSpeaker, u"Harbour_Guard", u"harbour_guard", u"Default NPC Speaker Change"},
+        {CRootDlg::kNpcSpeaker, u"Owner", u"OWNER", u"Default NPC Speaker Change"},
+        {CRootDlg::kNpcListener, u"prevSpeaker", u"PREVSPEAKER", u"Default NPC Listener Change"},
+        {CRootDlg::kPcListener, u"(default)", u"", u"Default PC Listener Change"},
+    };
+    for (const TagCase& t : tags) {
+        SCOPED_TRACE(ts::Utf16ToUtf8(t.typed));
+        pane.Controls().Tag(t.control) = t.typed;
+        EXPECT_TRUE(pane.Apply(t.control, true));
+        EXPECT_EQ(w.UndoCommandAt(0)->Label(), t.label);
+        EXPECT_EQ(Field<std::u16string>(w, root, CRootDlg::Info(t.control).field), t.stored);
+        EXPECT_FALSE(pane.Apply(t.control, true));
+    }
+    EXPECT_EQ(pane.TagChoices(CRootDlg::kNpcSpeaker)[1], u"OWNER");
+    auto listeners = pane.TagChoices(CRootDlg::kPcListener);
+    EXPECT_NE(std::find(listeners.begin(), listeners.end(), u"PREVSPEAKER"), listeners.end());
+
+    // A refused tag keeps the stored value and the typed text, and shows its message only when
+    // messages are allowed.
+    depth = w.UndoCount();
+    pane.Controls().Tag(CRootDlg::kNpcListener) = u"Nobody_Here";
+    EXPECT_FALSE(pane.Apply(CRootDlg::kNpcListener, true));
+    ASSERT_FALSE(ui_.shown().empty());
+    EXPECT_EQ(ui_.shown().back().text, u"'Nobody_Here' is not a valid tag.");
+    std::size_t shown = ui_.shown().size();
+    EXPECT_FALSE(pane.Apply(dlg::LinePane::kAllControls, false));
+    EXPECT_EQ(ui_.shown().size(), shown);
+    EXPECT_EQ(pane.Controls().Tag(CRootDlg::kNpcListener), u"Nobody_Here");
+    EXPECT_EQ(Field<std::u16string>(w, root, u"DefaultNPCListener"), u"PREVSPEAKER");
+    EXPECT_EQ(w.UndoCount(), depth);
+
+    // Moving to a line applies what the boxes show, leaving the selection on the line.
+    pane.Controls().Tag(CRootDlg::kNpcListener) = u"PLAYER";
+    pane.Controls().Box(CRootDlg::kOwnerIsHenchman) = !Field<bool>(w, root, u"OwnerIsHenchman");
+    TreeItem line = Line(w, u"Welcome to the Drowned");
+    items.Select(line);
+    EXPECT_EQ(items.GetSelection(), line);
+    EXPECT_EQ(w.UndoCount(), depth + 2);
+    EXPECT_EQ(Field<std::u16string>(w, root, u"DefaultNPCListener"), u"PLAYER");
+    EXPECT_FALSE(pane.Enabled());
+    EXPECT_FALSE(pane.Apply(dlg::LinePane::kAllControls, true));
 }
 
 TEST(PaneDates, DayCountsReadAsCalendarDates) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QCheckBox>
 #include <QApplication>
 #include <QComboBox>
 #include <QFile>
@@ -161,7 +162,8 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     EXPECT_EQ(window.EditorCount(), 1);
 
     // The editor's window sits in the tab: the splitter, the tree and the panes, which offer
-    // the root's tabs (their panes come later: empty, disabled pages).
+    // the root's tabs (Global Settings shown; tabs whose pane is still to come are empty,
+    // disabled pages).
     auto* splitter = window.ActiveEditor()->findChild<QSplitter*>(QStringLiteral("WindowSplitter"));
     ASSERT_NE(splitter, nullptr);
     auto* panes = splitter->findChild<QTabWidget*>(QStringLiteral("LinePanes"));
@@ -169,7 +171,8 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
     ASSERT_EQ(panes->count(), 4);
     EXPECT_EQ(panes->tabText(0), QStringLiteral("Global Settings"));
     EXPECT_EQ(panes->tabText(3), QStringLiteral("Preview"));
-    EXPECT_FALSE(panes->currentWidget()->isEnabled());
+    EXPECT_TRUE(panes->currentWidget()->isEnabled());
+    EXPECT_FALSE(panes->widget(3)->isEnabled());
     QTreeView& tree = Tree();
     QAbstractItemModel& model = *tree.model();
 
@@ -579,5 +582,50 @@ TEST_F(ToolsetWindow, TheDialogueTabWritesTextAndSpeakerAndTheEditMenuUndoesThem
     window.RefreshState();
     EXPECT_EQ(Texts(model), opened);
     EXPECT_TRUE(text->toPlainText().startsWith(QStringLiteral("It floods twice a year")));
+    EXPECT_FALSE(undo.isEnabled());
+}
+
+// A writer changes the conversation's default speaker and locks the cameras in the Global
+// Settings tab, and takes both back from the Edit menu.
+TEST_F(ToolsetWindow, TheGlobalSettingsTabWritesDefaultsAndLocksAndTheEditMenuUndoesThem) {
+    ts::test::ScriptedUi ui;
+    window.show();
+    ASSERT_TRUE(window.OpenModule(QString::fromStdString(CopyOfDemo("rootpane"))));
+    ASSERT_TRUE(window.OpenResource(QStringLiteral("orla_welcome.dlg")));
+    QTreeView& tree = Tree();
+    QAbstractItemModel& model = *tree.model();
+    const QStringList opened = Texts(model);
+    auto* panes = window.ActiveEditor()->findChild<QTabWidget*>(QStringLiteral("LinePanes"));
+    ASSERT_NE(panes, nullptr);
+    EXPECT_EQ(panes->tabText(panes->currentIndex()), QStringLiteral("Global Settings"));
+    auto* speaker = panes->findChild<QComboBox*>(QStringLiteral("DefaultNPCSpeaker"));
+    auto* cameras = panes->findChild<QCheckBox*>(QStringLiteral("AllCameraLocked"));
+    ASSERT_TRUE(speaker && cameras);
+    EXPECT_EQ(speaker->currentText(), QStringLiteral("OWNER"));
+    EXPECT_FALSE(cameras->isChecked());
+
+    speaker->setEditText(QStringLiteral("Harbour_Guard"));
+    QFocusEvent out(QEvent::FocusOut);
+    QApplication::sendEvent(speaker->lineEdit(), &out);
+    EXPECT_EQ(speaker->currentText(), QStringLiteral("harbour_guard"));
+    // Every line that speaks by default shows the new default.
+    EXPECT_TRUE(Find(model, QStringLiteral("[[harbour_guard]] Back again")).isValid())
+        << Texts(model).join('\n').toStdString();
+    cameras->click();
+    QAction& undo = *window.UndoAction();
+    window.RefreshState();
+    EXPECT_EQ(undo.text(), QStringLiteral("&Undo Camera Locked Change"));
+    QString shot = QStringLiteral(TS_SCREENSHOT_DIR "/toolset_global_settings.png");
+    QFile::remove(shot);
+    ASSERT_TRUE(toolset::SaveScreenshot(window, shot));
+
+    undo.trigger();
+    window.RefreshState();
+    EXPECT_FALSE(cameras->isChecked());
+    EXPECT_EQ(undo.text(), QStringLiteral("&Undo Default NPC Speaker Change"));
+    undo.trigger();
+    window.RefreshState();
+    EXPECT_EQ(speaker->currentText(), QStringLiteral("OWNER"));
+    EXPECT_EQ(Texts(model), opened);
     EXPECT_FALSE(undo.isEnabled());
 }

@@ -3,7 +3,9 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include "model/panes/root_dlg.h"
 #include "model/panes/text_dlg.h"
+#include "views/root_pane_widget.h"
 #include "views/text_pane_widget.h"
 
 namespace dlg {
@@ -70,6 +72,8 @@ void PaneHostWidget::PaneShown(int tab, LinePane* pane) {
     QWidget* page = Page(tab);
     if (auto* text = dynamic_cast<CTextDlg*>(pane))
         page->layout()->addWidget(new TextPaneWidget(*text));
+    else if (auto* root = dynamic_cast<CRootDlg*>(pane))
+        page->layout()->addWidget(new RootPaneWidget(*root));
     page->setEnabled(true);
 }
 

@@ -6,8 +6,8 @@
 #include "core/undo_command_group.h"
 #include "model/conversation_editor_wnd.h"
 #include "model/dlg_editor_settings.h"
-#include "model/henchman_tags.h"
 #include "model/line_properties.h"
+#include "model/panes/pane_tags.h"
 #include "model/text_tags.h"
 #include "model/undo/undo_command_modify_node.h"
 #include "model/validation/reference_lists.h"
@@ -23,15 +23,6 @@
 namespace dlg {
 
 namespace {
-
-// Tags are stored in lower case; the keywords that stand for a role, in capitals.
-std::u16string NormalTag(std::u16string_view tag, bool listener) {
-    for (std::u16string_view keyword : {u"OWNER", u"PLAYER", u"PREVSPEAKER"}) {
-        if (keyword == u"PREVSPEAKER" && !listener) continue;
-        if (ts::EqualsIgnoreAsciiCase(tag, keyword)) return std::u16string(keyword);
-    }
-    return ts::AsciiLower(tag);
-}
 
 std::u16string StatusText(double sentOn, bool again, std::u16string_view sent,
                           std::u16string_view againText, std::u16string_view notSent) {
@@ -259,20 +250,11 @@ bool CTextDlg::ApplyNumber(std::u16string_view field, std::int32_t value, std::u
 
 std::vector<std::u16string> CTextDlg::SpeakerChoices() {
     if (IsPlayerLine()) return {u"PLAYER"};
-    std::vector<std::u16string> choices{std::u16string(kDefaultTag), u"OWNER"};
-    std::vector<std::u16string> tags =
-        CreatureAndHenchmanTags(cache_, TheDlgEditorSettings().MaxHenchmen);
-    choices.insert(choices.end(), tags.begin(), tags.end());
-    return choices;
+    return TagChoices(cache_, false);
 }
 
 std::vector<std::u16string> CTextDlg::ListenerChoices() {
-    std::vector<std::u16string> choices{std::u16string(kDefaultTag), u"OWNER", u"PLAYER",
-                                        u"PREVSPEAKER"};
-    std::vector<std::u16string> tags =
-        CreatureAndHenchmanTags(cache_, TheDlgEditorSettings().MaxHenchmen);
-    choices.insert(choices.end(), tags.begin(), tags.end());
-    return choices;
+    return TagChoices(cache_, true);
 }
 
 std::vector<std::u16string> CTextDlg::FastPathChoices() {
@@ -290,25 +272,14 @@ bool CTextDlg::ApplyTag(bool speaker, bool messages) {
         line.GetSpeaker(stored);
     else
         line.GetListener(stored);
-    std::u16string value = speaker ? values_.speaker : values_.listener;
-    if (speaker && !node->isNPC) value = u"PLAYER";
-    if (value == kDefaultTag) value.clear();
-    if (value == stored) return false;
-    if (!value.empty()) {
-        ReplacementCheck check(window_.KnownTags(), TheDlgEditorSettings().MaxHenchmen, cache_);
-        if (!check
-                 .Check(speaker ? kPropSpeaker : kPropListener, value, line,
-                        window_.Document().Tree().Root())
-                 .empty()) {
-            if (messages) TsMessageBox(ts::Format(kInvalidTag, value), u"", MB_OK | MB_ICONERROR);
-            return false;
-        }
-        value = NormalTag(value, !speaker);
-        if (value == stored) return false;
-    }
+    std::u16string typed = speaker ? values_.speaker : values_.listener;
+    if (speaker && !node->isNPC) typed = u"PLAYER";
+    std::optional<std::u16string> value =
+        TagToWrite(window_, cache_, typed, stored, !speaker, messages);
+    if (!value) return false;
     if (speaker)
-        return Write(u"Speaker Change", u"Speaker", variant(kTsTypeString, value), kChangeSpeaker);
-    return Write(u"Listener Change", u"Listener", variant(kTsTypeString, value), kChangeLabel);
+        return Write(u"Speaker Change", u"Speaker", variant(kTsTypeString, *value), kChangeSpeaker);
+    return Write(u"Listener Change", u"Listener", variant(kTsTypeString, *value), kChangeLabel);
 }
 
 bool CTextDlg::ApplyText(bool messages) {

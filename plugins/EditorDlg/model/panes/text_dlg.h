@@ -10,6 +10,7 @@
 #include "model/conversation_edits.h"
 #include "model/panes/line_pane.h"
 #include "model/panes/line_string_ids.h"
+#include "model/panes/pane_tags.h"
 
 class CConversationEditorWnd;
 
@@ -35,11 +36,11 @@ public:
         kLastControl = kFastPath,
     };
 
-    static constexpr std::u16string_view kDefaultTag = u"(default)";
+    static constexpr std::u16string_view kDefaultTag = dlg::kDefaultTag;
     static constexpr std::u16string_view kNoFastPath = u"(none)";
     // Fast paths are numbered 1 to this; 0 is none.
     static constexpr std::int32_t kMaxFastPath = 9;
-    static constexpr std::u16string_view kInvalidTag = u"'%ls' is not a valid tag.";
+    static constexpr std::u16string_view kInvalidTag = dlg::kInvalidTag;
     static constexpr std::u16string_view kStringIdFailed = u"Could not validate string ID.";
 
     // What the controls show; the Qt half writes the user's input here before applying.

@@ -31,9 +31,10 @@ public:
     // `root` for the conversation end plot); otherwise the message for the user.
     std::u16string Check(int property, std::u16string_view value,
                          const CAgentConversationLine& line, const CAgentConversation& root);
+    // A reserved keyword (any case), or a creature or henchman tag of the module.
+    bool IsKnownTag(std::u16string_view tag);
 
 private:
-    bool IsKnownTag(std::u16string_view tag);
     bool IsKnownPlot(std::u16string_view plot);
     bool IsKnownFlag(std::u16string_view plot, std::u16string_view flag);
     bool IsInTable(std::u16string_view table, std::u16string_view column,
