@@ -10,7 +10,9 @@
 #include "model/editing/node_clipboard.h"
 #include "model/editing/tree_edits.h"
 #include "model/line_properties.h"
+#include "model/panes/comment_panes.h"
 #include "model/panes/root_dlg.h"
+#include "model/panes/slide_show_dlg.h"
 #include "model/panes/text_dlg.h"
 #include "model/validation/replacement_check.h"
 #include "support/demo_module_fixture.h"
@@ -601,6 +603,120 @@ TEST_F(Panes, GlobalSettingsWriteTheConversationDefaultsAndFlags) {
     EXPECT_EQ(Field<std::u16string>(w, root, u"DefaultNPCListener"), u"PLAYER");
     EXPECT_FALSE(pane.Enabled());
     EXPECT_FALSE(pane.Apply(dlg::LinePane::kAllControls, true));
+}
+
+TEST_F(Panes, CommentsFollowTheSelectionAndLinksShowNothingEditable) {
+    CConversationEditorWnd& w = Open(u"orla_welcome");
+    dlg::ItemTree& items = w.Document().Tree().Items();
+    TreeItem root = w.Document().Tree().RootItem();
+    auto& comments = *static_cast<dlg::TextFieldPane*>(w.Panes().CommentsPane());
+    EXPECT_EQ(comments.Title(), u"Conversation Synopsis");
+    EXPECT_TRUE(comments.Enabled());
+    EXPECT_EQ(comments.Text(), Field<std::u16string>(w, root, u"Comment"));
+    EXPECT_FALSE(comments.Apply(dlg::LinePane::kAllControls, true));
+    comments.Text() = u"Orla sizes up a stranger.";
+    EXPECT_TRUE(comments.Apply(dlg::TextFieldPane::kTextControl, true));
+    EXPECT_EQ(w.UndoCommandAt(0)->Label(), u"Conversation Synopsis Change");
+    EXPECT_EQ(Field<std::u16string>(w, root, u"Comment"), u"Orla sizes up a stranger.");
+    EXPECT_FALSE(comments.Apply(dlg::TextFieldPane::kTextControl, true));
+
+    // A line's scripting comment is applied when the selection moves on, which stays put.
+    TreeItem line = Line(w, u"Welcome to the Drowned");
+    TreeItem other = Line(w, u"Quite a place");
+    items.Select(line);
+    EXPECT_EQ(comments.Title(), u"Scripting Comments");
+    comments.Text() = u"Checks the dues plot first.";
+    items.Select(other);
+    EXPECT_EQ(items.GetSelection(), other);
+    EXPECT_EQ(w.UndoCommandAt(0)->Label(), u"Comments Change");
+    EXPECT_EQ(Field<std::u16string>(w, line, u"Comment"), u"Checks the dues plot first.");
+    EXPECT_EQ(Field<std::u16string>(w, root, u"Comment"), u"Orla sizes up a stranger.");
+    // Undo shows the stored comment again.
+    items.Select(line);
+    ASSERT_TRUE(w.Undo());
+    EXPECT_EQ(comments.Text(), u"");
+
+    // While the window's pane-apply switch is off, nothing is written.
+    std::size_t depth = w.UndoCount();
+    w.Panes().SetPaneApply(false);
+    comments.Text() = u"typed during a load";
+    EXPECT_FALSE(comments.Apply(dlg::LinePane::kAllControls, true));
+    items.Select(other);
+    w.Panes().SetPaneApply(true);
+    EXPECT_EQ(w.UndoCount(), depth);
+    EXPECT_EQ(Field<std::u16string>(w, line, u"Comment"), u"");
+
+    // A link: empty and disabled, and nothing it held is written anywhere.
+    items.Select(line);
+    ASSERT_TRUE(dlg::CopySelection(w));
+    items.Select(Line(w, u"Goodbye."));
+    ASSERT_TRUE(dlg::PasteClipboardAsLink(w));
+    TreeItem link = Find(w, [&](const dlg::ConversationNode& n) {
+        return n.isLink && n.linkTarget && n.linkTarget->treeItem == line;
+    });
+    items.Select(link);
+    EXPECT_FALSE(comments.HasField());
+    EXPECT_FALSE(comments.Enabled());
+    EXPECT_EQ(comments.Title(), u"");
+    depth = w.UndoCount();
+    comments.Text() = u"not for a link";
+    EXPECT_FALSE(comments.Apply(dlg::LinePane::kAllControls, true));
+    items.Select(line);
+    EXPECT_EQ(w.UndoCount(), depth);
+    for (int tab : {dlg::kTabLocalization, dlg::kTabEditing, dlg::kTabSlideShow}) {
+        items.Select(link);
+        w.Panes().SelectTab(tab);
+        EXPECT_FALSE(static_cast<dlg::TextFieldPane*>(w.Panes().Pane(tab))->Enabled()) << tab;
+    }
+}
+
+TEST_F(Panes, LineCommentsAndTheSlideShowTextureWriteWithTheirLabels) {
+    CConversationEditorWnd& w = Open(u"orla_welcome");
+    TreeItem line = Line(w, u"Welcome to the Drowned");
+    w.Document().Tree().Items().Select(line);
+    struct Case {
+        int tab;
+        std::u16string title, field, label;
+    };
+    const Case cases[] = {
+        {dlg::kTabLocalization, u"Voice Over Comment", u"VoiceOverComment",
+         u"Voice Over Comment Change"},
+        {dlg::kTabEditing, u"Editor Comment", u"EditorComment", u"Comment Change"},
+        {dlg::kTabSlideShow, u"Slide show texture", u"SlideShowTexture",
+         u"Slide Show Texture Change"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(ts::Utf16ToUtf8(c.label));
+        ASSERT_TRUE(w.Panes().SelectTab(c.tab));
+        auto& pane = *static_cast<dlg::TextFieldPane*>(w.Panes().Pane(c.tab));
+        EXPECT_EQ(pane.Title(), c.title);
+        EXPECT_FALSE(pane.Apply(dlg::LinePane::kAllControls, true));
+        std::size_t depth = w.UndoCount();
+        pane.Text() = u"tex_" + c.field;
+        EXPECT_TRUE(pane.Apply(dlg::TextFieldPane::kTextControl, true));
+        ASSERT_EQ(w.UndoCount(), depth + 1);
+        EXPECT_EQ(w.UndoCommandAt(0)->Label(), c.label);
+        EXPECT_EQ(Field<std::u16string>(w, line, c.field), u"tex_" + c.field);
+        EXPECT_FALSE(pane.Apply(dlg::TextFieldPane::kTextControl, true));
+    }
+
+    // Browsing: the picker for textures, the pick shown as NAME.TYPE and applied; a cancel
+    // changes nothing.
+    auto& slides = *static_cast<dlg::CSlideShowDlg*>(w.Panes().Pane(dlg::kTabSlideShow));
+    ui_.Pick(u"harbour_dusk.tga");
+    EXPECT_TRUE(slides.Browse());
+    ASSERT_EQ(ui_.pickers.size(), 1u);
+    EXPECT_EQ(ui_.pickers[0].first, u"Select a Texture");
+    EXPECT_EQ(ui_.pickers[0].second, u"TextureFilter");
+    EXPECT_EQ(slides.Text(), u"harbour_dusk.tga");
+    EXPECT_EQ(Field<std::u16string>(w, line, u"SlideShowTexture"), u"harbour_dusk.tga");
+    std::size_t depth = w.UndoCount();
+    EXPECT_FALSE(slides.Browse());
+    EXPECT_EQ(w.UndoCount(), depth);
+    EXPECT_EQ(slides.Text(), u"harbour_dusk.tga");
+    // A player line has no slide show.
+    w.Document().Tree().Items().Select(Line(w, u"Quite a place"));
+    EXPECT_FALSE(slides.HasField());
 }
 
 TEST(PaneDates, DayCountsReadAsCalendarDates) {

@@ -62,10 +62,24 @@ public:
     std::map<std::u16string, std::vector<ErrorEntry>> errors;
     int published = 0;
 
+    // The resource ("NAME.TYPE") the next resource picker chooses; without one it is cancelled.
+    // `pickers` records each picker's title and filter.
+    void Pick(std::u16string name) { picks_.push_back(std::move(name)); }
+    bool PickResource(std::u16string_view title, std::u16string_view filter,
+                      std::u16string& chosen) override {
+        pickers.emplace_back(title, filter);
+        if (picks_.empty()) return false;
+        chosen = picks_.front();
+        picks_.pop_front();
+        return true;
+    }
+    std::vector<std::pair<std::u16string, std::u16string>> pickers;
+
 private:
     HostUi* previous_;
     std::deque<int> answers_;
     std::deque<std::uint32_t> choices_;
+    std::deque<std::u16string> picks_;
     std::vector<Shown> shown_;
 };
 

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
-#include <QCheckBox>
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
 #include <QFocusEvent>
@@ -240,10 +240,10 @@ TEST_F(ToolsetWindow, AWriterOpensTheDemoAndReadsAConversation) {
 
     // Simple view shows the tree alone; the command is checked while it is on.
     ASSERT_TRUE(window.RunCommand(QStringLiteral("View.DialogEditor.SimpleView")));
-    EXPECT_TRUE(panes->isHidden());
+    EXPECT_FALSE(panes->isVisibleTo(window.ActiveEditor()));
     EXPECT_TRUE(window.Commands().Action(u"View.DialogEditor.SimpleView")->isChecked());
     ASSERT_TRUE(window.RunCommand(QStringLiteral("View.DialogEditor.SimpleView")));
-    EXPECT_FALSE(panes->isHidden());
+    EXPECT_TRUE(panes->isVisibleTo(window.ActiveEditor()));
 
     // The editor's menus join the host's: its Edit entries follow Undo and Redo; Tools is its own.
     auto texts = [](const QList<QAction*>& actions) {
@@ -603,6 +603,12 @@ TEST_F(ToolsetWindow, TheGlobalSettingsTabWritesDefaultsAndLocksAndTheEditMenuUn
     ASSERT_TRUE(speaker && cameras);
     EXPECT_EQ(speaker->currentText(), QStringLiteral("OWNER"));
     EXPECT_FALSE(cameras->isChecked());
+    // Below the tabs, the comments pane shows the conversation's synopsis.
+    auto* comments = window.ActiveEditor()->findChild<QWidget*>(QStringLiteral("Comments"));
+    ASSERT_NE(comments, nullptr);
+    EXPECT_EQ(comments->findChild<QLabel*>(QStringLiteral("FieldTitle"))->text(),
+              QStringLiteral("Conversation Synopsis"));
+    EXPECT_TRUE(comments->isEnabled());
 
     speaker->setEditText(QStringLiteral("Harbour_Guard"));
     QFocusEvent out(QEvent::FocusOut);

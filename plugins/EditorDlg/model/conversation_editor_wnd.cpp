@@ -7,8 +7,8 @@
 #include "core/string_enum.h"
 #include "model/dlg_editor_settings.h"
 #include "model/editing/node_clipboard.h"
-#include "model/editor_layout.h"
 #include "model/editor_commands.h"
+#include "model/editor_layout.h"
 #include "model/known_tags.h"
 #include "model/plugin_events.h"
 #include "model/tree_view_commands.h"
@@ -38,9 +38,9 @@ CConversationEditorWnd::CConversationEditorWnd(CTsWindowInterface<CConversationE
     dlg::LoadDlgEditorSettings();
     menus_ = dlg::BuildConversationEditorCommands(
         commands_, dlg::ReadMenuDescription(dlg::kConversationEditorMenus));
-    panes_ = std::make_unique<dlg::CSettingsDlg>(document_.Tree(), [this](int tab) {
-        return dlg::MakeLinePane(*this, tab);
-    });
+    panes_ = std::make_unique<dlg::CSettingsDlg>(
+        document_.Tree(), [this](int tab) { return dlg::MakeLinePane(*this, tab); });
+    panes_->SetCommentsPane(dlg::MakeCommentsPane(*this));
     document_.Tree().Items().SetSelectionFollower([this](dlg::TreeItem item) {
         panes_->SetSelection(item != dlg::kNoItem && item == document_.Tree().RootItem(), item);
     });

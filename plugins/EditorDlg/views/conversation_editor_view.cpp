@@ -6,10 +6,13 @@
 #include <QClipboard>
 #include <QLayout>
 #include <QTabWidget>
+#include <QVBoxLayout>
 
 #include "model/conversation_editor_wnd.h"
-#include "views/splitter_keeper.h"
+#include "model/panes/text_field_pane.h"
 #include "views/pane_host_widget.h"
+#include "views/splitter_keeper.h"
+#include "views/text_field_pane_widget.h"
 
 namespace dlg {
 
@@ -52,11 +55,15 @@ ConversationEditorView::ConversationEditorView(ItemTree& items, QWidget* parent)
     : QSplitter(Qt::Horizontal, parent),
       model_(new ItemTreeModel(items, this)),
       tree_(new ConversationTreeView(*model_, this)),
-      panes_(new QTabWidget(this)) {
+      side_(new QWidget(this)),
+      panes_(new QTabWidget(side_)) {
     setObjectName(
         QString::fromStdU16String(std::u16string(CConversationEditorWnd::kWindowSplitter)));
     panes_->setObjectName(QStringLiteral("LinePanes"));
     panes_->setDocumentMode(true);
+    auto* column = new QVBoxLayout(side_);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(panes_, 3);
     setChildrenCollapsible(false);
     setStretchFactor(0, 3);
     setStretchFactor(1, 2);
@@ -66,10 +73,16 @@ ConversationEditorView::ConversationEditorView(ItemTree& items, QWidget* parent)
 
 void ConversationEditorView::ShowPanes(CSettingsDlg& host) {
     new PaneHostWidget(host, *panes_);
+    if (auto* comments = dynamic_cast<TextFieldPane*>(host.CommentsPane())) {
+        auto* widget = new TextFieldPaneWidget(*comments);
+        widget->setObjectName(QStringLiteral("Comments"));
+        side_->layout()->addWidget(widget);
+        static_cast<QVBoxLayout*>(side_->layout())->setStretchFactor(widget, 1);
+    }
 }
 
 void ConversationEditorView::SetPaneMode(int mode) {
-    panes_->setVisible(mode != 0);
+    side_->setVisible(mode != 0);
 }
 
 void InstallQtEditorView() {

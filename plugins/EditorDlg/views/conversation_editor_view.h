@@ -27,6 +27,8 @@ public:
 private:
     ItemTreeModel* model_;
     ConversationTreeView* tree_;
+    // The tabs over the comments pane.
+    QWidget* side_;
     QTabWidget* panes_;
 };
 

@@ -5,7 +5,9 @@
 
 #include "model/panes/root_dlg.h"
 #include "model/panes/text_dlg.h"
+#include "model/panes/text_field_pane.h"
 #include "views/root_pane_widget.h"
+#include "views/text_field_pane_widget.h"
 #include "views/text_pane_widget.h"
 
 namespace dlg {
@@ -74,6 +76,8 @@ void PaneHostWidget::PaneShown(int tab, LinePane* pane) {
         page->layout()->addWidget(new TextPaneWidget(*text));
     else if (auto* root = dynamic_cast<CRootDlg*>(pane))
         page->layout()->addWidget(new RootPaneWidget(*root));
+    else if (auto* field = dynamic_cast<TextFieldPane*>(pane))
+        page->layout()->addWidget(new TextFieldPaneWidget(*field));
     page->setEnabled(true);
 }
 

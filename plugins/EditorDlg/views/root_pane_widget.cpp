@@ -5,7 +5,9 @@
 #include <QEvent>
 #include <QFormLayout>
 #include <QLineEdit>
+#include <QScrollArea>
 #include <QSignalBlocker>
+#include <QVBoxLayout>
 
 namespace dlg {
 
@@ -23,7 +25,16 @@ QString NameOf(int control) {
 }  // namespace
 
 RootPaneWidget::RootPaneWidget(CRootDlg& pane, QWidget* parent) : QWidget(parent), pane_(pane) {
-    auto* form = new QFormLayout(this);
+    // The fields scroll rather than set a minimum height for the whole editor.
+    auto* fields = new QWidget;
+    auto* form = new QFormLayout(fields);
+    auto* scroll = new QScrollArea;
+    scroll->setWidget(fields);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(scroll);
     for (int c = CRootDlg::kNpcSpeaker; CRootDlg::IsTag(c); ++c) {
         auto* combo = new QComboBox;
         combo->setObjectName(NameOf(c));

@@ -22,6 +22,7 @@ LinePane* CSettingsDlg::MakePane(int tab) {
 void CSettingsDlg::SetSelection(bool root, TreeItem item) {
     root_ = root;
     item_ = root ? kNoItem : item;
+    if (comments_) comments_->SetSelection(root_, item_);
     for (int tab = 0; tab < kTabCount; ++tab) {
         if (!panes_[tab]) continue;
         // The plots and scripts pane is offered for the root and for lines alike, so it follows

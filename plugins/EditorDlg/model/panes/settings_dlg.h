@@ -53,6 +53,11 @@ public:
     LinePane* Pane(int tab) const;
     LinePane* ShownPane() const { return Pane(shown_); }
 
+    // The comments pane, shown beside the tabs for every selection (the root's synopsis, a
+    // line's scripting comment), so it follows each selection as it comes.
+    void SetCommentsPane(std::unique_ptr<LinePane> pane) { comments_ = std::move(pane); }
+    LinePane* CommentsPane() const { return comments_.get(); }
+
     // The tab whose pane edits find-and-replace field `field` (asked in kFindReplaceOrder),
     // selected; -1 when no pane of the present selection owns it.
     int RouteFindReplace(int field);
@@ -68,6 +73,7 @@ private:
     PaneFactory factory_;
     std::array<std::unique_ptr<LinePane>, kTabCount> panes_;
     std::array<bool, kTabCount> made_{};
+    std::unique_ptr<LinePane> comments_;
     std::vector<int> strip_;
     int shown_ = -1;
     bool root_ = false;
