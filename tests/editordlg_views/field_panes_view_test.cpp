@@ -23,9 +23,6 @@ namespace {
 
 using dlg::TreeItem;
 
-[[maybe_unused]] auto* const gQt = ::testing::AddGlobalTestEnvironment(new ts::test::QtEnvironment(
-    [] { dlg::InstallQtEditorView(); }, [] { dlg::SetEditorViewFactory({}); }));
-
 class FieldPanesView : public ts::test::DemoModuleTest {
 protected:
     void TearDown() override {

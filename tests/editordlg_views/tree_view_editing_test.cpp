@@ -32,10 +32,6 @@ namespace {
 using dlg::TreeItem;
 using namespace dlg::command_id;
 
-// The editor's views are installed while the application lives.
-[[maybe_unused]] auto* const gQt = ::testing::AddGlobalTestEnvironment(new ts::test::QtEnvironment(
-    [] { dlg::InstallQtEditorView(); }, [] { dlg::SetEditorViewFactory({}); }));
-
 class TreeViewEditing : public ts::test::DemoModuleTest {
 protected:
     // An editor in a frame of its own, shown, with every line open.
