@@ -53,6 +53,19 @@ bool EqualsIgnoringCase(std::u16string_view a, std::u16string_view b) {
     return QString::compare(ToQt(a), ToQt(b), Qt::CaseInsensitive) == 0;
 }
 
+// The filters editors name by purpose ("PlotFilter"), and the resource types each offers.
+const std::vector<std::u16string_view>* NamedFilter(std::u16string_view name) {
+    static const std::pair<std::u16string_view, std::vector<std::u16string_view>> kFilters[] = {
+        {u"PlotFilter", {u"plo"}},     {u"ScriptFilter", {u"nss"}},
+        {u"AreaFilter", {u"are"}},     {u"CutsceneFilter", {u"cut"}},
+        {u"StageFilter", {u"stg"}},    {u"ConversationFilter", {u"dlg"}},
+        {u"CreatureFilter", {u"utc"}}, {u"TextureFilter", {u"tga", u"dds", u"png"}},
+    };
+    for (const auto& [filter, types] : kFilters)
+        if (EqualsIgnoringCase(filter, name)) return &types;
+    return nullptr;
+}
+
 }  // namespace
 
 std::vector<std::u16string> ResourcesMatching(const std::vector<ts::ResourceInfo>& resources,
@@ -62,7 +75,10 @@ std::vector<std::u16string> ResourcesMatching(const std::vector<ts::ResourceInfo
         std::size_t end = std::min(filter.find(u';', start), filter.size());
         std::u16string_view type = filter.substr(start, end - start);
         if (type.starts_with(u"*.")) type.remove_prefix(2);
-        if (!type.empty() && type != u"*") types.push_back(type);
+        if (const std::vector<std::u16string_view>* named = NamedFilter(type))
+            types.insert(types.end(), named->begin(), named->end());
+        else if (!type.empty() && type != u"*")
+            types.push_back(type);
         start = end + 1;
     }
     std::vector<std::u16string> names;

@@ -51,8 +51,8 @@ private:
     ts::HostUi* previous_;
 };
 
-// The resources whose type is among `filter` ("nss", "nss;plo"; empty or "*" for all), as
-// "NAME.TYPE", in the order given.
+// The resources whose type is among `filter` ("nss", "nss;plo"; empty or "*" for all; a named
+// filter such as "PlotFilter" stands for its types), as "NAME.TYPE", in the order given.
 std::vector<std::u16string> ResourcesMatching(const std::vector<ts::ResourceInfo>& resources,
                                               std::u16string_view filter);
 

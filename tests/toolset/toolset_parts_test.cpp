@@ -75,6 +75,10 @@ TEST(ToolsetParts, ThePickerOffersTheFilterTypes) {
     EXPECT_EQ(toolset::ResourcesMatching(resources, u"").size(), 4u);
     EXPECT_EQ(toolset::ResourcesMatching(resources, u"*").size(), 4u);
     EXPECT_TRUE(toolset::ResourcesMatching(resources, u"stg").empty());
+    // Editors may name a filter by its purpose instead of its types.
+    EXPECT_EQ(toolset::ResourcesMatching(resources, u"ScriptFilter"),
+              (V{u"scr_a.nss", u"scr_c.NSS"}));
+    EXPECT_TRUE(toolset::ResourcesMatching(resources, u"TextureFilter").empty());
 }
 
 // A popup menu shows the commands' menu texts in their states and answers with the one taken.
