@@ -84,7 +84,8 @@ TEST_F(DemoConversations, EveryConversationShowsItsLabelsAndWritesBackAsItWasSto
     }
 }
 
-// Random edits with undo and redo on the demo's real conversations keep every tree sound, and
+// Random edits with undo and redo on the demo's real conversations (faulty_examples.dlg among them)
+// keep every tree sound and every line's faults what a fresh validation finds, and
 // undoing them all gives back the conversation as stored.
 TEST_F(DemoConversations, RandomEditsUndoAndRedoOnEveryConversation) {
     std::vector<ts::ResourceInfo> list;

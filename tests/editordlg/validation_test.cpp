@@ -19,7 +19,6 @@
 
 namespace {
 
-using dlg::test::OpenConversation;
 using Entries = std::vector<ts::ErrorEntry>;
 
 std::u16string Repeat(char16_t c, std::size_t n) {
@@ -238,19 +237,6 @@ TEST_F(Validation, ReplacementValuesAreCheckedByFieldNumber) {
     for (const auto& c : cases)
         EXPECT_EQ(check.Check(c.property, c.value, line, b.conversation), c.message)
             << c.property << " " << ts::Utf16ToUtf8(c.value);
-}
-
-// Random edits on every demo conversation keep each line's faults what a fresh run would find
-// (the harness checks it after every step).
-TEST_F(Validation, IncrementalRunsAgreeWithAFullOneUnderRandomEdits) {
-    StoreRulesConversation();
-    CTsComPtr<ITsResource> resource;
-    CTsComPtr<ITsProperty> root;
-    ASSERT_EQ(manager_->OpenResource(u"rules", u"dlg", resource.Put()), S_OK);
-    ASSERT_EQ(resource->GetRootProperty(root.Put()), S_OK);
-    OpenConversation c(root.Get());
-    ASSERT_TRUE(c.loaded);
-    dlg::test::RandomEdits(c, 7, 120);
 }
 
 }  // namespace

@@ -1,6 +1,11 @@
 #pragma once
 
+#include <memory>
+
 #include "model/item_tree.h"
+
+class CConversationEditorWnd;
+class CTsUndoCommand;
 
 namespace dlg {
 
@@ -22,5 +27,11 @@ public:
     // Whether a find-and-replace field (a LineProperty number) is edited in this pane.
     virtual bool OwnsField(int /*field*/) const { return false; }
 };
+
+// Runs a pane's own command through the window, with `writing` set meanwhile so that the pane
+// does not refill itself from the refresh its own command causes. False for a null or failed
+// command.
+bool PerformPaneCommand(CConversationEditorWnd& window, std::unique_ptr<CTsUndoCommand> command,
+                        bool& writing);
 
 }  // namespace dlg

@@ -111,11 +111,7 @@ bool CRootDlg::Write(int control, variant value, int changeCode) {
     auto command = CUndoCommandModifyNode::ForField(
         std::u16string(Info(control).label), window_.Document().Edits(), Root(),
         Info(control).field, std::move(value), changeCode, selectOnWrite_);
-    if (!command) return false;
-    writing_ = true;
-    bool done = window_.Perform(std::move(command));
-    writing_ = false;
-    return done;
+    return PerformPaneCommand(window_, std::move(command), writing_);
 }
 
 }  // namespace dlg

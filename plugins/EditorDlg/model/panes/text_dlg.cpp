@@ -217,11 +217,7 @@ bool CTextDlg::Write(std::u16string label, std::u16string_view field, variant va
     auto command =
         CUndoCommandModifyNode::ForField(std::move(label), window_.Document().Edits(), item_, field,
                                          std::move(value), changeCode, selectOnWrite_);
-    if (!command) return false;
-    writing_ = true;
-    bool done = window_.Perform(std::move(command));
-    writing_ = false;
-    return done;
+    return PerformPaneCommand(window_, std::move(command), writing_);
 }
 
 bool CTextDlg::ApplyFlag(std::u16string_view field, bool value, std::u16string_view label) {
@@ -333,9 +329,7 @@ bool CTextDlg::ApplyText(bool messages) {
                                                 variant(kTsTypeString, values_.text), kChangeText,
                                                 selectOnWrite_));
     if (group->Count() != 4) return false;
-    writing_ = true;
-    bool done = window_.Perform(std::move(group));
-    writing_ = false;
+    bool done = PerformPaneCommand(window_, std::move(group), writing_);
     if (!done) return false;
     values_.reTranslation = true;
     values_.reRecord = true;

@@ -74,11 +74,7 @@ bool TextFieldPane::Apply(int control, bool) {
     auto command = CUndoCommandModifyNode::ForField(std::u16string(binding_->label), edits, item_,
                                                     binding_->field, variant(kTsTypeString, text_),
                                                     binding_->changeCode, selectOnWrite_);
-    if (!command) return false;
-    writing_ = true;
-    bool done = window_.Perform(std::move(command));
-    writing_ = false;
-    return done;
+    return PerformPaneCommand(window_, std::move(command), writing_);
 }
 
 }  // namespace dlg
